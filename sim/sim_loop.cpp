@@ -1,0 +1,69 @@
+#include "sim/sim_loop.h"
+
+namespace lynd {
+
+int SimLoop::init() {
+    init_count_++;
+    ended_ = false;
+    return 0;
+}
+
+void SimLoop::done() {
+    done_count_++;
+    timers_.clear();
+}
+
+int SimLoop::timer_set(LoopTimer* t, int msecs) {
+    timers_.add(t, now_ms_ + (msecs < 0 ? 0 : msecs));
+    return 0;
+}
+
+int SimLoop::timer_cancel(LoopTimer* t) { return timers_.remove(t) ? 0 : -1; }
+
+int64_t SimLoop::timer_remaining(const LoopTimer* t) {
+    if (!t->pending)
+        return -1;
+    return t->expires_ms > now_ms_ ? t->expires_ms - now_ms_ : 0;
+}
+
+// Socket sources are fed by the simulator itself, so a watch is only marked.
+int SimLoop::fd_add(LoopFd* f, unsigned) {
+    f->registered = true;
+    return 0;
+}
+
+int SimLoop::fd_delete(LoopFd* f) {
+    if (!f->registered)
+        return -1;
+    f->registered = false;
+    return 0;
+}
+
+void SimLoop::fire_due(int64_t until_ms) {
+    while (!ended_) {
+        LoopTimer* t = timers_.first();
+        if (t == nullptr || t->expires_ms > until_ms)
+            break;
+        now_ms_ = t->expires_ms;
+        timers_.remove(t);
+        t->cb(t);
+    }
+}
+
+void SimLoop::advance(int64_t ms) {
+    int64_t until = now_ms_ + ms;
+    fire_due(until);
+    if (!ended_ && now_ms_ < until)
+        now_ms_ = until;
+}
+
+void SimLoop::run() {
+    running_ = true;
+    fire_due(stop_ms_);
+    if (!ended_ && stop_ms_ != INT64_MAX && now_ms_ < stop_ms_)
+        now_ms_ = stop_ms_;
+    ended_ = false;
+    running_ = false;
+}
+
+}  // namespace lynd

@@ -1,0 +1,45 @@
+// The simulator's loop: virtual time that jumps from one due timer to the
+// next, so hours of a scenario run in milliseconds.
+#pragma once
+#include <cstdint>
+
+#include "platform/loop.h"
+#include "platform/timer_queue.h"
+
+namespace lynd {
+
+class SimLoop : public Loop {
+public:
+    int init() override;
+    void done() override;
+    int timer_set(LoopTimer* t, int msecs) override;
+    int timer_cancel(LoopTimer* t) override;
+    int64_t timer_remaining(const LoopTimer* t) override;
+    int fd_add(LoopFd* f, unsigned events) override;
+    int fd_delete(LoopFd* f) override;
+    // Fires due timers in time order until end() or the stop time.
+    void run() override;
+    void end() override { ended_ = true; }
+    int64_t now_ms() override { return now_ms_; }
+
+    // run() returns once virtual time reaches stop_ms, as SIGTERM would end it.
+    void set_stop_time(int64_t stop_ms) { stop_ms_ = stop_ms; }
+    // Moves virtual time forward, firing every timer due on the way.
+    void advance(int64_t ms);
+    bool running() const { return running_; }
+    int init_count() const { return init_count_; }
+    int done_count() const { return done_count_; }
+
+private:
+    void fire_due(int64_t until_ms);
+
+    TimerQueue timers_;
+    int64_t now_ms_ = 0;
+    int64_t stop_ms_ = INT64_MAX;
+    bool ended_ = false;
+    bool running_ = false;
+    int init_count_ = 0;
+    int done_count_ = 0;
+};
+
+}  // namespace lynd

@@ -1,0 +1,44 @@
+// Console logging. Every call site tests the level itself, so a message that
+// is off costs one comparison; FATAL lines print always and end the process.
+#pragma once
+#include <cstddef>
+
+extern "C" {
+extern int g_lynd_dgb_lvl;  // the daemon's level, 1 by default
+extern int g_dgb_lvl;       // read by the bridge library as its own level
+}
+
+constexpr int LYND_LVL_ERR = 1;
+constexpr int LYND_LVL_WARN = 2;
+constexpr int LYND_LVL_INFO = 3;
+constexpr int LYND_LVL_LOG = 4;
+constexpr int LYND_LVL_DEBUG = 5;
+constexpr int LYND_LVL_TRACE = 6;
+
+// A message holds at most this many characters; longer ones are cut.
+constexpr size_t LYND_LOG_MSG_MAX = 2047;
+
+void lynd_printf(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+[[noreturn]] void lynd_fatal_exit();
+
+inline bool lynd_log_on(int level) { return g_lynd_dgb_lvl >= level; }
+
+#define LYND_LOG_AT(level, tag, fmt, ...)                                        \
+    do {                                                                         \
+        if (lynd_log_on(level))                                                  \
+            lynd_printf(tag "[%s, %d] " fmt, __func__, __LINE__, ##__VA_ARGS__); \
+    } while (0)
+
+#define LYND_ERR(fmt, ...) LYND_LOG_AT(LYND_LVL_ERR, "<LYND_ERR>", fmt, ##__VA_ARGS__)
+#define LYND_WARN(fmt, ...) LYND_LOG_AT(LYND_LVL_WARN, "<LYND_WARN>", fmt, ##__VA_ARGS__)
+#define LYND_INFO(fmt, ...) LYND_LOG_AT(LYND_LVL_INFO, "<LYND_INFO>", fmt, ##__VA_ARGS__)
+#define LYND_LOG(fmt, ...) LYND_LOG_AT(LYND_LVL_LOG, "<LYND_LOG>", fmt, ##__VA_ARGS__)
+#define LYND_DEBUG(fmt, ...) LYND_LOG_AT(LYND_LVL_DEBUG, "<LYND_DEBUG>", fmt, ##__VA_ARGS__)
+#define LYND_TRACE(fmt, ...) LYND_LOG_AT(LYND_LVL_TRACE, "<LYND_TRACE>", fmt, ##__VA_ARGS__)
+
+#define LYND_FATAL(fmt, ...)                                                         \
+    do {                                                                             \
+        lynd_printf("<LYND_FATAL>[%s, %d] " fmt, __func__, __LINE__, ##__VA_ARGS__); \
+        lynd_fatal_exit();                                                           \
+    } while (0)

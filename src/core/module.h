@@ -1,0 +1,35 @@
+// How a module plugs into the daemon.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+
+#include "core/list.h"
+#include "event/event_hub.h"
+
+struct lynd_config;
+
+struct lynd_module {
+    list_head list;  // first: the list link is the record
+    const char* name;
+    uint32_t id;
+    void (*finit)(lynd_module* module);
+    event_listener listener;
+};
+
+enum : uint32_t { LYND_MODULE_LOOP_AVOIDANCE = 0, LYND_MODULE_PATH_SELECTION = 1 };
+
+// Returns a heap record with its listener already registered, or null.
+using lynd_module_init_fn = lynd_module* (*)(lynd_config* conf);
+
+struct lynd_module_table {
+    const lynd_module_init_fn* inits;
+    size_t count;
+};
+
+extern const lynd_module_table lynd_module_inits;
+
+inline lynd_module* lynd_module_of(list_head* link) { return reinterpret_cast<lynd_module*>(link); }
+
+inline lynd_module* lynd_module_of_listener(event_listener* l) {
+    return reinterpret_cast<lynd_module*>(reinterpret_cast<char*>(l) - offsetof(lynd_module, listener));
+}

@@ -1,0 +1,42 @@
+// The host seam: everything the daemon asks of the operating system.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <ctime>
+
+namespace lynd {
+
+constexpr size_t IFNAME_LEN = 16;  // 15 characters and the terminator
+
+class Host {
+public:
+    virtual ~Host() = default;
+
+    // Runs argv[0] with argv (null-terminated), no shell. Reads at most
+    // size bytes of its standard output into out. -1 when it could not run.
+    virtual int run_capture(const char* const argv[], char* out, size_t size) = 0;
+    // Runs argv and waits; the exit status, or -1 when it could not run.
+    virtual int run_status(const char* const argv[]) = 0;
+
+    // The log sink: one formatted line, newline included.
+    virtual void console_write(const char* line, size_t len) = 0;
+
+    virtual unsigned if_nametoindex(const char* name) = 0;
+    // name is a 16-byte buffer; false when the kernel does not know ifindex.
+    virtual bool if_indextoname(unsigned ifindex, char* name) = 0;
+
+    // Reads at most size bytes of path into buf; -1 when it cannot be opened.
+    virtual long read_file(const char* path, char* buf, size_t size) = 0;
+    // Replaces path with data (written whole, then renamed into place).
+    virtual bool write_file(const char* path, const char* data, size_t len) = 0;
+
+    // 0 on success.
+    virtual int close_fd(int fd) = 0;
+
+    virtual timespec monotonic_now() = 0;
+    virtual time_t wall_now() = 0;
+    virtual int pid() = 0;
+    virtual void ignore_sigpipe() = 0;
+};
+
+}  // namespace lynd

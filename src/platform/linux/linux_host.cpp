@@ -1,0 +1,163 @@
+#include "platform/linux/linux_host.h"
+
+#include <fcntl.h>
+#include <net/if.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+
+extern char** environ;
+
+namespace lynd {
+
+namespace {
+
+// Starts argv with its standard output on out_fd (-1: inherited).
+pid_t spawn(const char* const argv[], int out_fd, int close_fd) {
+    posix_spawn_file_actions_t fa;
+    if (posix_spawn_file_actions_init(&fa) != 0)
+        return -1;
+    if (out_fd >= 0) {
+        posix_spawn_file_actions_adddup2(&fa, out_fd, STDOUT_FILENO);
+        posix_spawn_file_actions_addclose(&fa, out_fd);
+        posix_spawn_file_actions_addclose(&fa, close_fd);
+    }
+    pid_t pid = -1;
+    int rc = posix_spawnp(&pid, argv[0], &fa, nullptr, const_cast<char* const*>(argv), environ);
+    posix_spawn_file_actions_destroy(&fa);
+    return rc == 0 ? pid : -1;
+}
+
+int wait_status(pid_t pid) {
+    int status = 0;
+    while (waitpid(pid, &status, 0) < 0) {
+        if (errno != EINTR)
+            return -1;
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+}  // namespace
+
+LinuxHost::LinuxHost(const char* console) : console_path_(console) {}
+
+LinuxHost::~LinuxHost() {
+    if (console_fd_ >= 0)
+        ::close(console_fd_);
+}
+
+int LinuxHost::run_capture(const char* const argv[], char* out, size_t size) {
+    int fds[2];
+    if (pipe2(fds, O_CLOEXEC) != 0)
+        return -1;
+    pid_t pid = spawn(argv, fds[1], fds[0]);
+    ::close(fds[1]);
+    if (pid < 0) {
+        ::close(fds[0]);
+        return -1;
+    }
+    size_t got = 0;
+    while (got < size) {
+        ssize_t n = ::read(fds[0], out + got, size - got);
+        if (n > 0)
+            got += static_cast<size_t>(n);
+        else if (n == 0 || errno != EINTR)
+            break;
+    }
+    ::close(fds[0]);
+    (void)wait_status(pid);
+    return static_cast<int>(got);
+}
+
+int LinuxHost::run_status(const char* const argv[]) {
+    pid_t pid = spawn(argv, -1, -1);
+    return pid < 0 ? -1 : wait_status(pid);
+}
+
+void LinuxHost::console_write(const char* line, size_t len) {
+    int fd = STDERR_FILENO;
+    if (console_path_ != nullptr) {
+        if (console_fd_ < 0)
+            console_fd_ = ::open(console_path_, O_WRONLY | O_NOCTTY | O_CLOEXEC);
+        if (console_fd_ < 0)
+            return;  // no console: the line is lost, as on the device
+        fd = console_fd_;
+    }
+    while (len > 0) {
+        ssize_t n = ::write(fd, line, len);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return;
+        line += n;
+        len -= static_cast<size_t>(n);
+    }
+}
+
+unsigned LinuxHost::if_nametoindex(const char* name) { return ::if_nametoindex(name); }
+
+bool LinuxHost::if_indextoname(unsigned ifindex, char* name) {
+    return ::if_indextoname(ifindex, name) != nullptr;
+}
+
+long LinuxHost::read_file(const char* path, char* buf, size_t size) {
+    int fd = ::open(path, O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return -1;
+    size_t got = 0;
+    while (got < size) {
+        ssize_t n = ::read(fd, buf + got, size - got);
+        if (n > 0)
+            got += static_cast<size_t>(n);
+        else if (n == 0 || errno != EINTR)
+            break;
+    }
+    ::close(fd);
+    return static_cast<long>(got);
+}
+
+bool LinuxHost::write_file(const char* path, const char* data, size_t len) {
+    char tmp[256];
+    if (std::snprintf(tmp, sizeof tmp, "%s.tmp", path) >= static_cast<int>(sizeof tmp))
+        return false;
+    int fd = ::open(tmp, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    if (fd < 0)
+        return false;
+    bool ok = true;
+    while (len > 0 && ok) {
+        ssize_t n = ::write(fd, data, len);
+        if (n < 0 && errno == EINTR)
+            continue;
+        ok = n > 0;
+        if (ok) {
+            data += n;
+            len -= static_cast<size_t>(n);
+        }
+    }
+    ok = (::close(fd) == 0) && ok;
+    if (ok && ::rename(tmp, path) == 0)
+        return true;
+    ::unlink(tmp);
+    return false;
+}
+
+int LinuxHost::close_fd(int fd) { return ::close(fd); }
+
+timespec LinuxHost::monotonic_now() {
+    timespec ts{};
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    return ts;
+}
+
+time_t LinuxHost::wall_now() { return ::time(nullptr); }
+
+int LinuxHost::pid() { return static_cast<int>(::getpid()); }
+
+void LinuxHost::ignore_sigpipe() { ::signal(SIGPIPE, SIG_IGN); }
+
+}  // namespace lynd

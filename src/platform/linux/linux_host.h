@@ -1,0 +1,32 @@
+// The host seam on a real Linux system.
+#pragma once
+#include "platform/host.h"
+
+namespace lynd {
+
+class LinuxHost : public Host {
+public:
+    // console: where log lines go ("/dev/console" on the device); null for
+    // standard error.
+    explicit LinuxHost(const char* console);
+    ~LinuxHost() override;
+
+    int run_capture(const char* const argv[], char* out, size_t size) override;
+    int run_status(const char* const argv[]) override;
+    void console_write(const char* line, size_t len) override;
+    unsigned if_nametoindex(const char* name) override;
+    bool if_indextoname(unsigned ifindex, char* name) override;
+    long read_file(const char* path, char* buf, size_t size) override;
+    bool write_file(const char* path, const char* data, size_t len) override;
+    int close_fd(int fd) override;
+    timespec monotonic_now() override;
+    time_t wall_now() override;
+    int pid() override;
+    void ignore_sigpipe() override;
+
+private:
+    const char* console_path_;
+    int console_fd_ = -1;
+};
+
+}  // namespace lynd
