@@ -40,14 +40,29 @@ public:
     void clear_console() { console_.clear(); }
     void clear_runs() { runs_.clear(); }
 
+    // Netlink: sockets of a protocol get descriptors from 100 on; datagrams
+    // queued for a protocol are read by its newest socket. A receive error
+    // (-errno) can be queued too.
+    void queue_datagram(int protocol, const std::string& bytes);
+    void queue_recv_error(int protocol, int error);
+    void set_nl_socket_error(int protocol, int error) { nl_socket_errors_[protocol] = error; }
+    void set_nl_bind_error(int protocol, int error) { nl_bind_errors_[protocol] = error; }
+    // The descriptor of protocol's open socket, or -1.
+    int nl_fd(int protocol) const;
+    int nl_opened(int protocol) const;
+
     int run_capture(const char* const argv[], char* out, size_t size) override;
     int run_status(const char* const argv[]) override;
     void console_write(const char* line, size_t len) override;
     unsigned if_nametoindex(const char* name) override;
+    HwAddrResult get_hwaddr(const char* ifname, uint8_t* mac) override;
     bool if_indextoname(unsigned ifindex, char* name) override;
     long read_file(const char* path, char* buf, size_t size) override;
     bool write_file(const char* path, const char* data, size_t len) override;
     int close_fd(int fd) override;
+    int nl_socket(int protocol) override;
+    int nl_bind(int fd, uint32_t groups) override;
+    long nl_recv(int fd, void* buf, size_t size) override;
     timespec monotonic_now() override;
     time_t wall_now() override;
     int pid() override { return 4242; }
@@ -59,6 +74,16 @@ private:
         int status = 0;
     };
     const Tool* lookup_tool(const char* const argv[]);
+
+    struct NlSocket {
+        int protocol;
+        uint32_t groups;
+        bool open;
+    };
+    std::vector<NlSocket> nl_sockets_;  // index + 100 is the descriptor
+    std::map<int, std::vector<std::pair<int, std::string>>> nl_queues_;  // error or datagram
+    std::map<int, int> nl_socket_errors_;
+    std::map<int, int> nl_bind_errors_;
 
     std::map<std::string, Tool> tools_;
     std::vector<SimInterface> interfaces_;

@@ -26,17 +26,36 @@ int64_t SimLoop::timer_remaining(const LoopTimer* t) {
     return t->expires_ms > now_ms_ ? t->expires_ms - now_ms_ : 0;
 }
 
-// Socket sources are fed by the simulator itself, so a watch is only marked.
 int SimLoop::fd_add(LoopFd* f, unsigned) {
-    f->registered = true;
-    return 0;
+    for (LoopFd*& w : watches_) {
+        if (w == nullptr || w == f) {
+            w = f;
+            f->registered = true;
+            return 0;
+        }
+    }
+    return -1;
 }
 
 int SimLoop::fd_delete(LoopFd* f) {
-    if (!f->registered)
-        return -1;
-    f->registered = false;
-    return 0;
+    for (LoopFd*& w : watches_) {
+        if (w == f) {
+            w = nullptr;
+            f->registered = false;
+            return 0;
+        }
+    }
+    return -1;
+}
+
+bool SimLoop::fd_ready(int fd) {
+    for (LoopFd* w : watches_) {
+        if (w != nullptr && w->fd == fd) {
+            w->cb(w, LOOP_FD_READ);
+            return true;
+        }
+    }
+    return false;
 }
 
 void SimLoop::fire_due(int64_t until_ms) {

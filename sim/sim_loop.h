@@ -27,12 +27,17 @@ public:
     // Moves virtual time forward, firing every timer due on the way.
     void advance(int64_t ms);
     bool running() const { return running_; }
+    // Calls the watch on fd as the poller would when data arrives; false when
+    // nothing watches fd.
+    bool fd_ready(int fd);
     int init_count() const { return init_count_; }
     int done_count() const { return done_count_; }
 
 private:
     void fire_due(int64_t until_ms);
 
+    static constexpr int kMaxWatches = 8;
+    LoopFd* watches_[kMaxWatches] = {};
     TimerQueue timers_;
     int64_t now_ms_ = 0;
     int64_t stop_ms_ = INT64_MAX;

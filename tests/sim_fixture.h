@@ -5,6 +5,7 @@
 #include "core/log.h"
 #include "platform/seams.h"
 #include "sim/sim_bridge.h"
+#include "sim/sim_bus.h"
 #include "sim/sim_host.h"
 #include "sim/sim_loop.h"
 #include "sim/sim_uci.h"
@@ -13,7 +14,7 @@ class SimNodeTest : public ::testing::Test {
 protected:
     void SetUp() override {
         host.set_clock(&loop);
-        prev_ = lynd::install_seams({&loop, &host, &uci, &bridge});
+        prev_ = lynd::install_seams({&loop, &host, &uci, &bridge, &bus});
         g_lynd_dgb_lvl = 1;
         g_dgb_lvl = 0;
     }
@@ -27,6 +28,7 @@ protected:
     lynd::SimHost host;
     lynd::SimUci uci;
     lynd::SimBridge bridge;
+    lynd::SimBus bus;
 
 private:
     lynd::Seams prev_;

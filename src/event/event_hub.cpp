@@ -4,6 +4,9 @@
 
 #include "config/lynd_config.h"
 #include "core/log.h"
+#include "event/bridge_events.h"
+#include "event/ubus_receive.h"
+#include "event/wifi_events.h"
 #include "platform/seams.h"
 
 event_hub* l_ev = nullptr;
@@ -26,6 +29,9 @@ void event_init(event_hub* ev) {
     list_init(&ev->listeners);
     lynd::loop().init();
     lynd::host().ignore_sigpipe();
+    event_ubus_init(ev);
+    event_bridge_init(ev);
+    event_wifi_init(ev);
 }
 
 void event_run_cb(event_hub* ev, uint32_t type, void* data) {
@@ -56,6 +62,8 @@ void event_fd_free(lynd::LoopFd* f) {
 }  // namespace
 
 void event_free(event_hub* ev) {
+    event_ubus_free(ev);
     event_fd_free(&ev->hyfi_fd);
+    event_wifi_free(ev);
     lynd::loop().done();
 }

@@ -22,6 +22,7 @@ struct event_hub {
     lynd::LoopFd hyfi_fd;  // hybrid-bridge netlink
     lynd::LoopFd wifi_fd;  // wireless rtnetlink
     uint32_t eth_state[4];  // last reported state of Ethernet ports 1..4
+    bool bus_connected;
 };
 
 // Reaches the hub from code that has no context pointer; null until set up.

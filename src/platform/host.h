@@ -8,6 +8,8 @@ namespace lynd {
 
 constexpr size_t IFNAME_LEN = 16;  // 15 characters and the terminator
 
+enum class HwAddrResult { OK, SOCKET_FAILED, IOCTL_FAILED };
+
 class Host {
 public:
     virtual ~Host() = default;
@@ -22,6 +24,7 @@ public:
     virtual void console_write(const char* line, size_t len) = 0;
 
     virtual unsigned if_nametoindex(const char* name) = 0;
+    virtual HwAddrResult get_hwaddr(const char* ifname, uint8_t* mac) = 0;
     // name is a 16-byte buffer; false when the kernel does not know ifindex.
     virtual bool if_indextoname(unsigned ifindex, char* name) = 0;
 
@@ -32,6 +35,13 @@ public:
 
     // 0 on success.
     virtual int close_fd(int fd) = 0;
+
+    // A raw netlink socket of protocol: its descriptor, or -errno.
+    virtual int nl_socket(int protocol) = 0;
+    // Binds it to port id pid() and groups: 0, or -errno.
+    virtual int nl_bind(int fd, uint32_t groups) = 0;
+    // One datagram, without waiting: its length, or -errno (-EAGAIN: none).
+    virtual long nl_recv(int fd, void* buf, size_t size) = 0;
 
     virtual timespec monotonic_now() = 0;
     virtual time_t wall_now() = 0;

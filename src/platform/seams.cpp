@@ -32,5 +32,6 @@ Loop& loop() { return require(g_installed.loop, "loop"); }
 Host& host() { return require(g_installed.host, "host"); }
 UciStore& uci() { return require(g_installed.uci, "UCI store"); }
 KrelApi& krel() { return require(g_installed.krel, "bridge library"); }
+Bus& bus() { return require(g_installed.bus, "bus"); }
 
 }  // namespace lynd

@@ -1,6 +1,7 @@
 // One instance of each seam is installed at start-up (tests install fakes).
 #pragma once
 #include "bridge/krel_api.h"
+#include "platform/bus.h"
 #include "platform/host.h"
 #include "platform/loop.h"
 #include "platform/uci_store.h"
@@ -12,6 +13,7 @@ struct Seams {
     Host* host = nullptr;
     UciStore* uci = nullptr;
     KrelApi* krel = nullptr;
+    Bus* bus = nullptr;
 };
 
 // Replaces the installed seams; returns the previous set.
@@ -23,5 +25,6 @@ Loop& loop();
 Host& host();
 UciStore& uci();
 KrelApi& krel();
+Bus& bus();
 
 }  // namespace lynd

@@ -1,7 +1,10 @@
 #include "platform/linux/linux_host.h"
 
 #include <fcntl.h>
+#include <linux/netlink.h>
 #include <net/if.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -144,6 +147,41 @@ bool LinuxHost::write_file(const char* path, const char* data, size_t len) {
         return true;
     ::unlink(tmp);
     return false;
+}
+
+HwAddrResult LinuxHost::get_hwaddr(const char* ifname, uint8_t* mac) {
+    int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (fd < 0)
+        return HwAddrResult::SOCKET_FAILED;
+    ifreq ifr{};
+    std::strncpy(ifr.ifr_name, ifname, sizeof ifr.ifr_name);
+    int rc = ::ioctl(fd, SIOCGIFHWADDR, &ifr);
+    ::close(fd);
+    if (rc < 0)
+        return HwAddrResult::IOCTL_FAILED;
+    std::memcpy(mac, ifr.ifr_hwaddr.sa_data, 6);
+    return HwAddrResult::OK;
+}
+
+int LinuxHost::nl_socket(int protocol) {
+    int fd = ::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, protocol);
+    return fd < 0 ? -errno : fd;
+}
+
+int LinuxHost::nl_bind(int fd, uint32_t groups) {
+    sockaddr_nl addr{};
+    addr.nl_family = AF_NETLINK;
+    addr.nl_pid = static_cast<uint32_t>(pid());
+    addr.nl_groups = groups;
+    return ::bind(fd, reinterpret_cast<sockaddr*>(&addr), sizeof addr) < 0 ? -errno : 0;
+}
+
+long LinuxHost::nl_recv(int fd, void* buf, size_t size) {
+    ssize_t n;
+    do {
+        n = ::recv(fd, buf, size, MSG_DONTWAIT);
+    } while (n < 0 && errno == EINTR);
+    return n < 0 ? -errno : static_cast<long>(n);
 }
 
 int LinuxHost::close_fd(int fd) { return ::close(fd); }

@@ -15,10 +15,14 @@ public:
     int run_status(const char* const argv[]) override;
     void console_write(const char* line, size_t len) override;
     unsigned if_nametoindex(const char* name) override;
+    HwAddrResult get_hwaddr(const char* ifname, uint8_t* mac) override;
     bool if_indextoname(unsigned ifindex, char* name) override;
     long read_file(const char* path, char* buf, size_t size) override;
     bool write_file(const char* path, const char* data, size_t len) override;
     int close_fd(int fd) override;
+    int nl_socket(int protocol) override;
+    int nl_bind(int fd, uint32_t groups) override;
+    long nl_recv(int fd, void* buf, size_t size) override;
     timespec monotonic_now() override;
     time_t wall_now() override;
     int pid() override;

@@ -1,0 +1,49 @@
+# The two set-up commands: `make run` and `make test`.
+BUILD        ?= build
+ASAN_BUILD   ?= build-asan
+FUZZ_BUILD   ?= build-fuzz
+JOBS         ?= $(shell nproc 2>/dev/null || echo 2)
+FUZZ_SECONDS ?= 15
+SCENARIO     ?= scenarios/demo.json
+CMAKE_ARGS   ?=
+
+.PHONY: all deps build run test test-plain test-asan fuzz bench clean
+
+all: build
+
+deps:
+	@tools/install-deps
+
+build: deps
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo $(CMAKE_ARGS)
+	cmake --build $(BUILD) -j $(JOBS)
+
+run: build
+	$(BUILD)/lynd-sim run $(SCENARIO)
+
+test: test-plain test-asan fuzz
+
+test-plain: build
+	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+
+test-asan: deps
+	cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DLYND_SANITIZE=ON -DLYND_OPENWRT=OFF $(CMAKE_ARGS)
+	cmake --build $(ASAN_BUILD) -j $(JOBS)
+	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+		ctest --output-on-failure -j $(JOBS)
+
+# Each parser's fuzz target runs for a short bounded time when clang is here.
+fuzz: deps
+	@if command -v clang++ >/dev/null 2>&1; then \
+		CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -DLYND_FUZZ=ON -DLYND_TESTS=OFF -DLYND_SANITIZE=ON -DLYND_OPENWRT=OFF >/dev/null && \
+		cmake --build $(FUZZ_BUILD) -j $(JOBS) && \
+		tools/run-fuzzers $(FUZZ_BUILD) $(FUZZ_SECONDS); \
+	else echo "fuzz: clang++ not found, fuzz targets skipped"; fi
+
+bench: deps
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DLYND_BENCH=ON $(CMAKE_ARGS)
+	cmake --build $(BUILD) -j $(JOBS) --target lynd_bench
+	$(BUILD)/lynd_bench
+
+clean:
+	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD)

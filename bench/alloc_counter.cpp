@@ -1,0 +1,20 @@
+#include "bench/alloc_counter.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+std::atomic<size_t> g_allocations{0};
+}
+
+size_t bench_allocations() { return g_allocations.load(); }
+
+void* operator new(size_t n) {
+    g_allocations++;
+    if (void* p = std::malloc(n ? n : 1))
+        return p;
+    std::abort();
+}
+void operator delete(void* p) noexcept { std::free(p); }
+void operator delete(void* p, size_t) noexcept { std::free(p); }

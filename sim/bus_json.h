@@ -1,0 +1,19 @@
+// Builds a bus message from JSON with the rules `ubus send` uses: an integer
+// in int32 range is INT32, a larger one INT64, a boolean INT8, null UNSPEC.
+#pragma once
+#include <json-c/json.h>
+
+#include "platform/bus.h"
+
+namespace lynd {
+
+struct BusJsonMessage {
+    BusAttr attrs[BUS_MAX_ATTRS];
+    BusMessage msg;
+};
+
+// obj must be a JSON object and outlive the message. False for anything
+// else; members past BUS_MAX_ATTRS are left out.
+bool bus_message_from_json(json_object* obj, BusJsonMessage* out);
+
+}  // namespace lynd

@@ -1,0 +1,61 @@
+#include "sim/sim_bus.h"
+
+#include <json-c/json.h>
+
+#include "sim/bus_json.h"
+
+namespace lynd {
+
+int SimBus::connect() {
+    connected_ = connect_rc_ == 0;
+    return connect_rc_;
+}
+
+int SimBus::register_event_handler(const char* pattern, BusEventHandler handler, void* ctx) {
+    if (register_rc_ != 0)
+        return register_rc_;
+    pattern_ = pattern;
+    handler_ = handler;
+    ctx_ = ctx;
+    return 0;
+}
+
+const char* SimBus::strerror(int error) {
+    // The texts ubus gives its status codes.
+    static const char* const texts[] = {"Success", "Invalid command", "Invalid argument", "Method not found",
+                                        "Not found", "No response", "Permission denied", "Request timed out",
+                                        "Operation not supported", "Unknown error", "Connection failed"};
+    if (error < 0 || error >= static_cast<int>(sizeof texts / sizeof texts[0]))
+        return "Unknown error";
+    return texts[error];
+}
+
+void SimBus::free() {
+    free_count_++;
+    connected_ = false;
+    handler_ = nullptr;
+}
+
+// A trailing '*' matches any rest of the name, as ubus patterns do.
+bool SimBus::matches(const std::string& type) const {
+    if (!pattern_.empty() && pattern_.back() == '*')
+        return type.compare(0, pattern_.size() - 1, pattern_, 0, pattern_.size() - 1) == 0;
+    return type == pattern_;
+}
+
+bool SimBus::send(const std::string& type, const BusMessage& msg) {
+    if (handler_ == nullptr || !matches(type))
+        return false;
+    handler_(ctx_, type.c_str(), msg);
+    return true;
+}
+
+bool SimBus::send(const std::string& type, const std::string& json) {
+    json_object* obj = json_tokener_parse(json.c_str());
+    BusJsonMessage m;
+    bool ok = bus_message_from_json(obj, &m) && send(type, m.msg);
+    json_object_put(obj);
+    return ok;
+}
+
+}  // namespace lynd

@@ -1,0 +1,39 @@
+// The simulated bus: the scenario's timeline (or a test) publishes events,
+// which reach the handler registered for a matching pattern.
+#pragma once
+#include <string>
+
+#include "platform/bus.h"
+
+namespace lynd {
+
+class SimBus : public Bus {
+public:
+    void set_connect_result(int rc) { connect_rc_ = rc; }
+    void set_register_result(int rc) { register_rc_ = rc; }
+    bool connected() const { return connected_; }
+    int free_count() const { return free_count_; }
+
+    // False when nobody listens to type. json must be a JSON object's text.
+    bool send(const std::string& type, const std::string& json);
+    bool send(const std::string& type, const BusMessage& msg);
+
+    int connect() override;
+    int register_event_handler(const char* pattern, BusEventHandler handler, void* ctx) override;
+    const char* strerror(int error) override;
+    void add_to_loop() override {}
+    void free() override;
+
+private:
+    bool matches(const std::string& type) const;
+
+    int connect_rc_ = 0;
+    int register_rc_ = 0;
+    bool connected_ = false;
+    int free_count_ = 0;
+    std::string pattern_;
+    BusEventHandler handler_ = nullptr;
+    void* ctx_ = nullptr;
+};
+
+}  // namespace lynd

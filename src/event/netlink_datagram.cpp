@@ -1,0 +1,85 @@
+#include "event/netlink_datagram.h"
+
+#include <cstring>
+
+#include "core/log.h"
+
+namespace {
+
+constexpr size_t RTATTR_HEADER_LEN = 4;
+constexpr size_t IW_EVENT_MIN_LEN = 8;
+
+uint16_t read_u16(const uint8_t* p) {
+    uint16_t v;
+    std::memcpy(&v, p, sizeof v);
+    return v;
+}
+
+// Reads as much of a field as arrived; the rest reads as zero.
+uint32_t read_u32_padded(const uint8_t* buf, size_t n, size_t off) {
+    uint32_t v = 0;
+    if (off < n)
+        std::memcpy(&v, buf + off, n - off < sizeof v ? n - off : sizeof v);
+    return v;
+}
+
+size_t align4(size_t len) { return (len + 3) & ~static_cast<size_t>(3); }
+
+}  // namespace
+
+uint32_t nl_first_msg_len(const uint8_t* buf, size_t n) { return read_u32_padded(buf, n, 0); }
+
+uint16_t nl_first_msg_type(const uint8_t* buf, size_t n) {
+    return static_cast<uint16_t>(read_u32_padded(buf, n, 4) & 0xffff);
+}
+
+bool nl_first_msg_ok(const uint8_t* buf, size_t n) {
+    uint32_t len = nl_first_msg_len(buf, n);
+    return n >= NLMSG_HEADER_LEN && len >= NLMSG_HEADER_LEN && len <= n;
+}
+
+bool event_hyfi_datagram(const uint8_t* buf, size_t n, bridge_event* out) {
+    if (!nl_first_msg_ok(buf, n)) {
+        LYND_ERR("NLMSG_OK(nlh[%d], len[%d])", static_cast<int>(nl_first_msg_len(buf, n)), static_cast<int>(n));
+        return false;
+    }
+    uint32_t len = nl_first_msg_len(buf, n);
+    out->msg_type = nl_first_msg_type(buf, n);
+    out->data_len = len - NLMSG_HEADER_LEN;
+    out->data = buf + NLMSG_HEADER_LEN;
+    return true;
+}
+
+bool __isDisassociateEvent(const uint8_t* events, size_t len) {
+    bool expired = false;
+    size_t off = 0;
+    while (len - off >= IW_EVENT_MIN_LEN) {
+        uint16_t ev_len = read_u16(events + off);
+        uint16_t cmd = read_u16(events + off + 2);
+        if (ev_len <= IW_EVENT_MIN_LEN || ev_len > len - off) {
+            LYND_ERR("Event len is not available");
+            return expired;
+        }
+        if (cmd == NL_IWEVEXPIRED)
+            expired = true;
+        off += ev_len;
+    }
+    return expired;
+}
+
+bool nl_wifi_parse_attrs(const uint8_t* attrs, size_t len) {
+    bool expired = false;
+    size_t off = 0;
+    while (len - off >= RTATTR_HEADER_LEN) {
+        uint16_t rta_len = read_u16(attrs + off);
+        uint16_t rta_type = read_u16(attrs + off + 2);
+        if (rta_len < RTATTR_HEADER_LEN || rta_len > len - off)
+            break;
+        if (rta_type == NL_IFLA_WIRELESS)
+            expired = __isDisassociateEvent(attrs + off + RTATTR_HEADER_LEN, rta_len - RTATTR_HEADER_LEN);
+        if (align4(rta_len) >= len - off)
+            break;
+        off += align4(rta_len);
+    }
+    return expired;
+}

@@ -1,0 +1,105 @@
+#include "event/ubus_receive.h"
+
+#include <cstring>
+
+#include "core/log.h"
+#include "event/bridge_events.h"
+#include "event/ubus_decode.h"
+#include "event/ubus_policy.h"
+#include "platform/seams.h"
+
+using lynd::BusAttr;
+using lynd::BusMessage;
+
+namespace {
+
+constexpr const char* kPrefix = "lynd.";
+constexpr size_t kPrefixLen = 5;
+
+struct ubus_subtype {
+    const char* name;
+    void (*handler)(event_hub* ev, const BusMessage& msg);
+};
+
+const ubus_subtype subtypes[] = {
+    {"configure", event_ubus_receive_configure},
+    {"link_state", event_ubus_receive_link_state},
+    {"debug", event_ubus_receive_debug},
+    {"traffic_separation", event_ubus_receive_traffic_separation},
+};
+
+}  // namespace
+
+void event_ubus_init(event_hub* ev) {
+    lynd::Bus& bus = lynd::bus();
+    if (bus.connect() != 0)
+        LYND_FATAL("ubus_connect");
+    ev->bus_connected = true;
+    int rc = bus.register_event_handler("lynd.*", event_ubus_receive_cb, ev);
+    if (rc != 0)
+        LYND_FATAL("ubus_register_event_handler: %s", bus.strerror(rc));
+    bus.add_to_loop();
+    LYND_LOG("init done");
+}
+
+void event_ubus_free(event_hub* ev) {
+    if (!ev->bus_connected)
+        return;
+    lynd::bus().free();
+    ev->bus_connected = false;
+}
+
+void event_ubus_receive_cb(void* ctx, const char* type, const BusMessage& msg) {
+    auto* ev = static_cast<event_hub*>(ctx);
+    if (type == nullptr || std::strncmp(type, kPrefix, kPrefixLen) != 0) {
+        LYND_ERR("wrong type");
+        return;
+    }
+    const char* subtype = type + kPrefixLen;
+    LYND_DEBUG("ubus receive:%s", subtype);
+    for (const ubus_subtype& s : subtypes) {
+        if (std::strcmp(s.name, subtype) == 0) {
+            s.handler(ev, msg);
+            return;
+        }
+    }
+    LYND_WARN("unknown subtype");
+}
+
+void event_ubus_receive_configure(event_hub* ev, const BusMessage& msg) {
+    const BusAttr* tb[__CONFIGURE_MAX];
+    if (lynd::bus_parse(configure_policy, __CONFIGURE_MAX, tb, msg) != 0)
+        return;
+    // The announcement of a role is also when the bridges forget us.
+    event_bridge_set_event(event_hub_config(ev));
+    configure_event cfg;
+    ubus_configure_from(tb, &cfg);
+    event_run_cb(ev, EVENT_CONFIGURE, &cfg);
+}
+
+void event_ubus_receive_link_state(event_hub* ev, const BusMessage& msg) {
+    const BusAttr* tb[__LINK_STATE_MAX];
+    int rc = lynd::bus_parse(link_state_policy, __LINK_STATE_MAX, tb, msg);
+    LYND_DEBUG("link_state parse ");
+    if (rc != 0) {
+        LYND_DEBUG("link_state parse failed");
+        return;
+    }
+    link_state_event ls;
+    ubus_link_state_from(tb[LINK_STATE_LINK_STATE], ev->eth_state, &ls);
+    event_run_cb(ev, EVENT_LINK_STATE, &ls);
+}
+
+void event_ubus_receive_debug(event_hub* ev, const BusMessage& msg) {
+    const BusAttr* tb[__DEBUG_MAX];
+    if (lynd::bus_parse(debug_policy, __DEBUG_MAX, tb, msg) != 0)
+        return;
+    debug_event dbg;
+    if (ubus_debug_from(tb, &dbg))
+        event_run_cb(ev, EVENT_DEBUG, &dbg);
+}
+
+void event_ubus_receive_traffic_separation(event_hub* ev, const BusMessage&) {
+    uint32_t need_reconfig = 1;
+    event_run_cb(ev, EVENT_TS, &need_reconfig);
+}

@@ -1,0 +1,98 @@
+#include "event/wifi_events.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include "bridge/port_inventory.h"
+#include "config/config.h"
+#include "core/log.h"
+#include "event/netlink_datagram.h"
+#include "platform/seams.h"
+
+namespace {
+
+constexpr size_t IFINFOMSG_INDEX_OFFSET = NLMSG_HEADER_LEN + 4;
+constexpr size_t IFLA_ATTRS_OFFSET = NLMSG_HEADER_LEN + 16;
+
+event_hub* hub_of_wifi_fd(lynd::LoopFd* f) {
+    return reinterpret_cast<event_hub*>(reinterpret_cast<char*>(f) - offsetof(event_hub, wifi_fd));
+}
+
+[[noreturn]] void wifi_fatal_closing(int fd, const char* step, int err) {
+    (void)lynd::host().close_fd(fd);
+    LYND_FATAL("Fatal(%s): %s", std::strerror(err), step);
+}
+
+}  // namespace
+
+void event_wifi_init(event_hub* ev) {
+    LYND_LOG("connect to netlink %d", 0);
+    lynd::Host& host = lynd::host();
+    int fd = host.nl_socket(0);
+    if (fd < 0)
+        LYND_FATAL("Fatal(%s): socket", std::strerror(-fd));
+    int rc = host.nl_bind(fd, RTMGRP_LINK_GROUP);
+    if (rc < 0)
+        wifi_fatal_closing(fd, "bind", -rc);
+    ev->wifi_fd = lynd::LoopFd{};
+    ev->wifi_fd.fd = fd;
+    ev->wifi_fd.cb = event_wifi_nl_cb;
+    if (lynd::loop().fd_add(&ev->wifi_fd, lynd::LOOP_FD_READ) != 0)
+        wifi_fatal_closing(fd, "uloop_fd_add", errno);
+    LYND_LOG("init done");
+}
+
+void event_wifi_free(event_hub* ev) {
+    lynd::LoopFd* f = &ev->wifi_fd;
+    if (f->registered)
+        (void)lynd::loop().fd_delete(f);
+    if (f->fd >= 0)
+        (void)lynd::host().close_fd(f->fd);
+    *f = lynd::LoopFd{};
+}
+
+void event_wifi_nl_cb(lynd::LoopFd* f, unsigned) {
+    lynd_config* conf = event_hub_config(hub_of_wifi_fd(f));
+    uint8_t buf[NL_RECV_BUF_SIZE];
+    for (;;) {
+        std::memset(buf, 0, sizeof buf);
+        long n = lynd::host().nl_recv(f->fd, buf, sizeof buf);
+        if (n <= 0)
+            return;
+        size_t len = static_cast<size_t>(n);
+        if (nl_first_msg_ok(buf, len) && nl_first_msg_type(buf, len) == NL_RTM_NEWLINK)
+            nl_wifi_newlink_handle(conf, buf, nl_first_msg_len(buf, len));
+    }
+}
+
+void nl_wifi_newlink_handle(lynd_config* conf, const uint8_t* msg, size_t len) {
+    uint32_t ifindex = 0;
+    if (len >= IFINFOMSG_INDEX_OFFSET + sizeof ifindex)
+        std::memcpy(&ifindex, msg + IFINFOMSG_INDEX_OFFSET, sizeof ifindex);
+    char name[LYND_NAME_LEN] = {};
+    if (!config_index_to_name(ifindex, name)) {
+        LYND_ERR("config_index_to_name fail");
+        return;
+    }
+    const conf_interface* iface = config_find_interface_by_name(conf, name);
+    if (iface == nullptr || !iface->path || !iface->relay)
+        return;
+    if (len > IFLA_ATTRS_OFFSET && nl_wifi_parse_attrs(msg + IFLA_ATTRS_OFFSET, len - IFLA_ATTRS_OFFSET)) {
+        LYND_DEBUG("wifi flush table");
+        event_wifi_flush_fdb(conf, name);
+    }
+}
+
+void event_wifi_flush_fdb(lynd_config* conf, const char* ifname) {
+    for (uint64_t i = 0; i < conf->n_bridges; i++) {
+        const char* bridge = conf->bridges[i].name;
+        if (!lynd_check_active_bridge(bridge))
+            continue;
+        conf_interface* ports[LYND_MAX_PORTS];
+        int n = lynd_get_active_ports(conf, bridge, ports);
+        for (int p = 0; p < n; p++) {
+            if (std::strcmp(ports[p]->name, ifname) == 0)
+                (void)lynd::krel().bridgeDelFdbByName(bridge, ifname);
+        }
+    }
+}

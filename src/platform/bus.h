@@ -1,0 +1,66 @@
+// The bus seam. Messages reach the daemon as a typed attribute list that
+// mirrors blobmsg, so one decoder serves ubus on the router and the
+// simulator's timeline alike.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+
+namespace lynd {
+
+// Same numbering as blobmsg's types; a boolean travels as INT8.
+enum class BusType : uint8_t {
+    UNSPEC = 0,
+    ARRAY = 1,
+    TABLE = 2,
+    STRING = 3,
+    INT64 = 4,
+    INT32 = 5,
+    INT16 = 6,
+    INT8 = 7,
+    DOUBLE = 8,
+};
+constexpr BusType BUS_TYPE_BOOL = BusType::INT8;
+
+// Top-level attributes of one message; names and strings point into the
+// sender's storage and live only during the delivery.
+struct BusAttr {
+    const char* name;
+    BusType type;
+    const char* str;  // STRING
+    int64_t i;        // INT8/16/32/64
+    double d;         // DOUBLE
+};
+
+constexpr size_t BUS_MAX_ATTRS = 32;
+
+struct BusMessage {
+    const BusAttr* attrs;
+    size_t count;
+    bool malformed;  // an attribute failed its length or type check
+};
+
+struct bus_policy {
+    const char* name;
+    BusType type;
+};
+
+// Fills tb[i] with the first attribute named and typed as policy[i]; an
+// attribute of another type is ignored. -1 for an empty or malformed
+// message, as blobmsg_parse does.
+int bus_parse(const bus_policy* policy, int policy_len, const BusAttr** tb, const BusMessage& msg);
+
+using BusEventHandler = void (*)(void* ctx, const char* type, const BusMessage& msg);
+
+class Bus {
+public:
+    virtual ~Bus() = default;
+    // 0 on success.
+    virtual int connect() = 0;
+    // Delivers every event whose name matches pattern ("lynd.*"); 0 or an error code.
+    virtual int register_event_handler(const char* pattern, BusEventHandler handler, void* ctx) = 0;
+    virtual const char* strerror(int error) = 0;
+    virtual void add_to_loop() = 0;
+    virtual void free() = 0;
+};
+
+}  // namespace lynd

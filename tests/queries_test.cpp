@@ -1,0 +1,90 @@
+#include <cstring>
+#include <string>
+
+#include "core/exec.h"
+#include "core/uci_query.h"
+#include "platform/linux/linux_host.h"
+#include "sim_fixture.h"
+
+namespace {
+
+// Tools run for real here: the argument vector reaches them untouched.
+class ExecTest : public SimNodeTest {
+protected:
+    void SetUp() override {
+        SimNodeTest::SetUp();
+        lynd::install_seams({&loop, &linux_host, &uci, &bridge, &bus});
+    }
+    lynd::LinuxHost linux_host{nullptr};
+    char buf[64] = {};
+};
+
+TEST_F(ExecTest, ReadsAtMostSizeBytesAndAddsNoTerminator) {
+    const char* const echo[] = {"echo", "hello", nullptr};
+    std::memset(buf, 'Z', sizeof buf);
+    EXPECT_EQ(3, lynd_exec_and_res(echo, buf, 3));
+    EXPECT_EQ(0, std::memcmp(buf, "helZ", 4));
+}
+
+TEST_F(ExecTest, SilentToolGivesZero) {
+    const char* const quiet[] = {"true", nullptr};
+    EXPECT_EQ(0, lynd_exec_and_res(quiet, buf, sizeof buf - 1));
+}
+
+TEST_F(ExecTest, BadArgumentsAndMissingToolGiveMinusOne) {
+    const char* const echo[] = {"echo", "x", nullptr};
+    const char* const missing[] = {"/nonexistent/tool", nullptr};
+    EXPECT_EQ(-1, lynd_exec_and_res(nullptr, buf, 4));
+    EXPECT_EQ(-1, lynd_exec_and_res(echo, nullptr, 4));
+    EXPECT_EQ(-1, lynd_exec_and_res(echo, buf, 0));
+    EXPECT_EQ(-1, lynd_exec_and_res(missing, buf, 4));
+}
+
+TEST_F(ExecTest, ShellTextInAnArgumentStaysText) {
+    const char* const echo[] = {"echo", "$(id) `id`; exit 3", nullptr};
+    int n = lynd_exec_and_res(echo, buf, sizeof buf - 1);
+    EXPECT_EQ("$(id) `id`; exit 3\n", std::string(buf, n > 0 ? n : 0));
+}
+
+TEST_F(ExecTest, ToolStatusIsReturned) {
+    const char* const fail[] = {"false", nullptr};
+    const char* const ok[] = {"true", nullptr};
+    EXPECT_EQ(1, linux_host.run_status(fail));
+    EXPECT_EQ(0, linux_host.run_status(ok));
+}
+
+using UciQueryTest = SimNodeTest;
+
+TEST_F(UciQueryTest, MissingOptionLeavesBufferUntouched) {
+    char value[16] = "keep";
+    uci.set("sysmode.sysmode.other", "x");
+    EXPECT_FALSE(lynd_uci_get_value("sysmode.sysmode.mode", value, sizeof value));
+    EXPECT_STREQ("keep", value);
+}
+
+TEST_F(UciQueryTest, ValueIsCutToSizeLessOne) {
+    char value[8] = {};
+    uci.set("wireless.ath0.ssid", "a-very-long-ssid");
+    EXPECT_TRUE(lynd_uci_get_value("wireless.ath0.ssid", value, 5));
+    EXPECT_STREQ("a-ve", value);
+}
+
+TEST_F(UciQueryTest, PathIsCutAt64Characters) {
+    std::string path = "p.s." + std::string(60, 'o');  // 64 characters
+    uci.set(path, "v");
+    char value[8] = {};
+    EXPECT_TRUE(lynd_uci_get_value((path + "extra").c_str(), value, sizeof value));
+}
+
+TEST_F(UciQueryTest, BadInputAndContextFailureAreLogged) {
+    char value[8] = {};
+    EXPECT_FALSE(lynd_uci_get_value(nullptr, value, sizeof value));
+    EXPECT_TRUE(host.logged("] invalid input ..."));
+    uci.set("a.b.c", "v");
+    uci.set_context_failure(true);
+    EXPECT_FALSE(lynd_uci_get_value("a.b.c", value, sizeof value));
+    EXPECT_TRUE(host.logged("<LYND_ERR>[lynd_uci_get_value, "));
+    EXPECT_TRUE(host.logged("] uci_alloc_context failed..."));
+}
+
+}  // namespace
