@@ -1,7 +1,11 @@
 #include "sim/sim_bridge.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <string>
+
+#include "sim/sim_host.h"
 
 namespace lynd {
 
@@ -19,7 +23,53 @@ std::string mac_str(const unsigned char* m) {
 
 std::string num(long v) { return std::to_string(v); }
 
+// Table buffers carry the library's 52-byte message header before the payload.
+constexpr int kTableHeader = 52;
+constexpr int kPayloadLenOffset = 44;
+constexpr int kPortEntrySize = 52;
+
 }  // namespace
+
+SimBridgeState& SimBridge::add_bridge(const std::string& name, bool active) {
+    bridges_.push_back(SimBridgeState{});
+    bridges_.back().name = name;
+    bridges_.back().active = active;
+    return bridges_.back();
+}
+
+SimBridgeState* SimBridge::find(const std::string& name) {
+    for (auto& b : bridges_)
+        if (b.name == name)
+            return &b;
+    return nullptr;
+}
+
+uint32_t SimBridge::ifindex(const std::string& ifname) const {
+    return host_ != nullptr ? host_->if_nametoindex(ifname.c_str()) : 0;
+}
+
+void SimBridge::add_port(const std::string& bridge, const std::string& ifname) {
+    if (SimBridgeState* b = find(bridge))
+        b->ports.push_back(ifname);
+}
+
+void SimBridge::add_fdb(const std::string& bridge, const uint8_t mac[6], const std::string& port, bool local) {
+    SimBridgeState* b = find(bridge);
+    if (b == nullptr)
+        return;
+    fdb_entry e{};
+    std::memcpy(e.mac, mac, sizeof e.mac);
+    uint32_t idx = ifindex(port);
+    e.port_lo = static_cast<uint8_t>(idx & 0xff);
+    e.port_hi = static_cast<uint8_t>(idx >> 8);
+    e.is_local = local ? 1 : 0;
+    b->fdb.push_back(e);
+}
+
+void SimBridge::add_hc(const std::string& bridge, const hc_entry& e) {
+    if (SimBridgeState* b = find(bridge))
+        b->hc.push_back(e);
+}
 
 size_t SimBridge::count_calls(const std::string& prefix) const {
     size_t n = 0;
@@ -29,60 +79,143 @@ size_t SimBridge::count_calls(const std::string& prefix) const {
 }
 
 int SimBridge::record(const std::string& call, const std::string& args) {
-    calls_.push_back(call + " " + args);
+    calls_.push_back(args.empty() ? call : call + " " + args);
     auto it = results_.find(call);
     return it == results_.end() ? 0 : it->second;
 }
-
-// Table buffers carry the library's 52-byte message header before the payload.
-constexpr int kTableHeader = 52;
 
 void* SimBridge::bridgeAllocTableBuf(int size, const char* bridge_name) {
     if (record("bridgeAllocTableBuf", num(size) + " " + str(bridge_name)) != 0 || size < 0)
         return nullptr;
     auto* area = static_cast<unsigned char*>(std::calloc(1, static_cast<size_t>(size) + kTableHeader));
-    return area == nullptr ? nullptr : area + kTableHeader;
+    if (area == nullptr)
+        return nullptr;
+    buffers_[area + kTableHeader] = str(bridge_name);
+    return area + kTableHeader;
 }
 
 void SimBridge::bridgeFreeTableBuf(void* payload) {
     (void)record("bridgeFreeTableBuf", "");
-    if (payload != nullptr)
-        std::free(static_cast<unsigned char*>(payload) - kTableHeader);
+    if (payload == nullptr)
+        return;
+    buffers_.erase(payload);
+    std::free(static_cast<unsigned char*>(payload) - kTableHeader);
 }
 
-int SimBridge::bridgeTableAction(const char* bridge_name, int table_type, int* count, void*, int flags) {
+int SimBridge::answer_query(int msg_type, unsigned char* buf, int size) {
+    auto it = buffers_.find(buf + kTableHeader);
+    SimBridgeState* br = it == buffers_.end() ? nullptr : find(it->second);
+    if (br == nullptr || !br->active)
+        return -1;
+    if (msg_type != 256)
+        return 0;
+    // The port list: one 52-byte entry per port, its ifindex first.
+    size_t room = static_cast<size_t>(size) / kPortEntrySize;
+    uint32_t len = 0;
+    for (size_t i = 0; i < br->ports.size() && i < room; i++) {
+        uint32_t idx = ifindex(br->ports[i]);
+        std::memcpy(buf + kTableHeader + i * kPortEntrySize, &idx, sizeof idx);
+        len += kPortEntrySize;
+    }
+    std::memcpy(buf + kPayloadLenOffset, &len, sizeof len);
+    return 0;
+}
+
+int SimBridge::netlink_msg(int msg_type, unsigned char* buf, int size, int protocol) {
+    int rc = record("netlink_msg", num(msg_type) + " " + num(size) + " " + num(protocol));
+    return rc != 0 ? rc : answer_query(msg_type, buf, size);
+}
+
+int SimBridge::copy_table(SimBridgeState& br, int table_type, int* count, void* buf) {
+    size_t n = table_type == LYND_TABLE_HC ? br.hc.size() : br.fdb.size();
+    size_t entry = table_type == LYND_TABLE_HC ? sizeof(hc_entry) : sizeof(fdb_entry);
+    if (*count < 0 || n > static_cast<size_t>(*count)) {
+        *count = static_cast<int>(n);  // tells the caller how much room it needs
+        return -1;
+    }
+    const void* src = table_type == LYND_TABLE_HC ? static_cast<const void*>(br.hc.data()) : br.fdb.data();
+    if (n > 0)
+        std::memcpy(buf, src, n * entry);
+    *count = static_cast<int>(n);
+    return 0;
+}
+
+int SimBridge::bridgeTableAction(const char* bridge_name, int table_type, int* count, void* buf, int flags) {
     int rc = record("bridgeTableAction", str(bridge_name) + " " + num(table_type) + " " + num(flags));
-    if (count != nullptr)
-        *count = 0;
-    return rc;
-}
-
-int SimBridge::netlink_msg(int msg_type, unsigned char*, int size, int protocol) {
-    return record("netlink_msg", num(msg_type) + " " + num(size) + " " + num(protocol));
+    if (rc != 0)
+        return rc;
+    SimBridgeState* br = find(str(bridge_name));
+    if (br == nullptr || !br->active || count == nullptr ||
+        (table_type != LYND_TABLE_HC && table_type != LYND_TABLE_FDB))
+        return -1;
+    return copy_table(*br, table_type, count, buf);
 }
 
 int SimBridge::bridgeSetHCTableEntries(const char* bridge_name, const unsigned char* client_mac,
                                        const unsigned char* id, const char* port_ifname,
                                        const char* vlan_ifname) {
-    return record("bridgeSetHCTableEntries", str(bridge_name) + " " + mac_str(client_mac) + " " + mac_str(id) +
-                                                 " " + str(port_ifname) + " " + str(vlan_ifname));
+    int rc = record("bridgeSetHCTableEntries", str(bridge_name) + " " + mac_str(client_mac) + " " + mac_str(id) +
+                                                   " " + str(port_ifname) + " " + str(vlan_ifname));
+    SimBridgeState* br = find(str(bridge_name));
+    if (rc != 0 || br == nullptr || client_mac == nullptr)
+        return rc != 0 ? rc : -1;
+    auto it = std::find_if(br->hc.begin(), br->hc.end(),
+                           [&](const hc_entry& e) { return std::memcmp(e.mac, client_mac, 6) == 0; });
+    if (it == br->hc.end()) {
+        br->hc.push_back(hc_entry{});
+        it = br->hc.end() - 1;
+        std::memcpy(it->mac, client_mac, 6);
+    }
+    if (id != nullptr)
+        std::memcpy(it->id, id, 6);
+    it->dst_port = ifindex(str(port_ifname));
+    return 0;
 }
 
 int SimBridge::bridgeDelHCTableEntriesByMAC(const char* bridge_name, const unsigned char* client_mac) {
-    return record("bridgeDelHCTableEntriesByMAC", str(bridge_name) + " " + mac_str(client_mac));
+    int rc = record("bridgeDelHCTableEntriesByMAC", str(bridge_name) + " " + mac_str(client_mac));
+    SimBridgeState* br = find(str(bridge_name));
+    if (rc != 0 || br == nullptr || client_mac == nullptr)
+        return rc != 0 ? rc : -1;
+    br->hc.erase(std::remove_if(br->hc.begin(), br->hc.end(),
+                                [&](const hc_entry& e) { return std::memcmp(e.mac, client_mac, 6) == 0; }),
+                 br->hc.end());
+    return 0;
 }
 
 int SimBridge::bridgeSetHcPreferred(const char* bridge_name, uint32_t ifindex) {
-    return record("bridgeSetHcPreferred", str(bridge_name) + " " + num(ifindex));
+    int rc = record("bridgeSetHcPreferred", str(bridge_name) + " " + num(ifindex));
+    SimBridgeState* br = find(str(bridge_name));
+    if (rc == 0 && br != nullptr)
+        br->preferred = ifindex;
+    return rc;
 }
 
 int SimBridge::bridgeSetHcPreferredAndFlushHCTable(const char* bridge_name, uint32_t ifindex) {
-    return record("bridgeSetHcPreferredAndFlushHCTable", str(bridge_name) + " " + num(ifindex));
+    int rc = record("bridgeSetHcPreferredAndFlushHCTable", str(bridge_name) + " " + num(ifindex));
+    SimBridgeState* br = find(str(bridge_name));
+    if (rc == 0 && br != nullptr) {
+        br->preferred = ifindex;
+        br->hc.clear();
+    }
+    return rc;
 }
 
-int SimBridge::bridgeFlushHCTable(const char* bridge_name) { return record("bridgeFlushHCTable", str(bridge_name)); }
+int SimBridge::bridgeFlushHCTable(const char* bridge_name) {
+    int rc = record("bridgeFlushHCTable", str(bridge_name));
+    SimBridgeState* br = find(str(bridge_name));
+    if (rc == 0 && br != nullptr)
+        br->hc.clear();
+    return rc;
+}
 
-int SimBridge::bridgeFlushHipTable(const char* bridge_name) { return record("bridgeFlushHipTable", str(bridge_name)); }
+int SimBridge::bridgeFlushHipTable(const char* bridge_name) {
+    int rc = record("bridgeFlushHipTable", str(bridge_name));
+    SimBridgeState* br = find(str(bridge_name));
+    if (rc == 0 && br != nullptr)
+        br->hip_flushes++;
+    return rc;
+}
 
 int SimBridge::bridgeSetTcpSP(const char* bridge_name, int on) {
     return record("bridgeSetTcpSP", str(bridge_name) + " " + num(on));
@@ -135,14 +268,26 @@ int SimBridge::bridgeSetIFType(const char* bridge_name, const char* ifname, int 
 }
 
 int SimBridge::bridgeSetEventInfo(const char* bridge_name, int pid, int event_type, int protocol) {
-    return record("bridgeSetEventInfo",
-                  str(bridge_name) + " " + num(pid) + " " + num(event_type) + " " + num(protocol));
+    int rc = record("bridgeSetEventInfo",
+                    str(bridge_name) + " " + num(pid) + " " + num(event_type) + " " + num(protocol));
+    SimBridgeState* br = find(str(bridge_name));
+    if (rc == 0 && br != nullptr)
+        br->event_pid = pid;
+    return rc;
 }
 
 int SimBridge::bridgeStopAPS(const char* bridge_name) { return record("bridgeStopAPS", str(bridge_name)); }
 
 int SimBridge::bridgeDelFdbByName(const char* bridge_name, const char* ifname) {
-    return record("bridgeDelFdbByName", str(bridge_name) + " " + str(ifname));
+    int rc = record("bridgeDelFdbByName", str(bridge_name) + " " + str(ifname));
+    SimBridgeState* br = find(str(bridge_name));
+    if (rc != 0 || br == nullptr)
+        return rc;
+    uint32_t idx = ifindex(str(ifname));
+    br->fdb.erase(std::remove_if(br->fdb.begin(), br->fdb.end(),
+                                 [&](const fdb_entry& e) { return !e.is_local && fdb_entry_port(e) == idx; }),
+                  br->fdb.end());
+    return 0;
 }
 
 }  // namespace lynd

@@ -6,12 +6,37 @@
 #include <vector>
 
 #include "bridge/krel_api.h"
+#include "bridge/table_entries.h"
 
 namespace lynd {
 
+class SimHost;
+
+// One hybrid bridge of the model. Ports and fdb entries name interfaces;
+// their indexes come from the simulated host.
+struct SimBridgeState {
+    std::string name;
+    bool active = true;
+    std::vector<std::string> ports;
+    std::vector<fdb_entry> fdb;
+    std::vector<hc_entry> hc;
+    uint32_t preferred = 0;
+    int event_pid = 0;  // who gets the bridge's events; 0: nobody
+    int hip_flushes = 0;
+};
+
 class SimBridge : public KrelApi {
 public:
-    // Result for every later call of that name (default 0).
+    void set_host(SimHost* host) { host_ = host; }
+    SimBridgeState& add_bridge(const std::string& name, bool active = true);
+    // Null when the model has no such bridge.
+    SimBridgeState* find(const std::string& name);
+    void add_port(const std::string& bridge, const std::string& ifname);
+    void add_fdb(const std::string& bridge, const uint8_t mac[6], const std::string& port, bool local);
+    void add_hc(const std::string& bridge, const hc_entry& e);
+    uint32_t ifindex(const std::string& ifname) const;
+
+    // A non-zero result fails every later call of that name, untouched.
     void set_result(const std::string& call, int result) { results_[call] = result; }
     const std::vector<std::string>& calls() const { return calls_; }
     size_t count_calls(const std::string& prefix) const;
@@ -49,7 +74,12 @@ public:
 
 private:
     int record(const std::string& call, const std::string& args);
+    int answer_query(int msg_type, unsigned char* buf, int size);
+    int copy_table(SimBridgeState& br, int table_type, int* count, void* buf);
 
+    SimHost* host_ = nullptr;
+    std::vector<SimBridgeState> bridges_;
+    std::map<const void*, std::string> buffers_;  // payload -> bridge it was allocated for
     std::vector<std::string> calls_;
     std::map<std::string, int> results_;
 };

@@ -14,6 +14,7 @@ class SimNodeTest : public ::testing::Test {
 protected:
     void SetUp() override {
         host.set_clock(&loop);
+        bridge.set_host(&host);
         prev_ = lynd::install_seams({&loop, &host, &uci, &bridge, &bus});
         g_lynd_dgb_lvl = 1;
         g_dgb_lvl = 0;
