@@ -78,6 +78,14 @@ size_t SimBridge::count_calls(const std::string& prefix) const {
     return n;
 }
 
+std::vector<std::string> SimBridge::calls_matching(const std::string& prefix) const {
+    std::vector<std::string> out;
+    for (const auto& c : calls_)
+        if (c.compare(0, prefix.size(), prefix) == 0)
+            out.push_back(c);
+    return out;
+}
+
 int SimBridge::record(const std::string& call, const std::string& args) {
     calls_.push_back(args.empty() ? call : call + " " + args);
     auto it = results_.find(call);

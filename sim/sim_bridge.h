@@ -40,6 +40,7 @@ public:
     void set_result(const std::string& call, int result) { results_[call] = result; }
     const std::vector<std::string>& calls() const { return calls_; }
     size_t count_calls(const std::string& prefix) const;
+    std::vector<std::string> calls_matching(const std::string& prefix) const;
     void clear_calls() { calls_.clear(); }
 
     void* bridgeAllocTableBuf(int size, const char* bridge_name) override;

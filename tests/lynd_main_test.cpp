@@ -10,6 +10,7 @@ namespace {
 std::vector<std::string> g_trail;
 lynd::SimBridge* g_bridge;
 lynd::SimLoop* g_loop;
+lynd::SimBus* g_bus;
 
 void heard(lynd_config*, event_listener* l, uint32_t type, void*) {
     g_trail.push_back(std::string(lynd_module_of_listener(l)->name) + " event " + std::to_string(type));
@@ -18,7 +19,7 @@ void heard(lynd_config*, event_listener* l, uint32_t type, void*) {
 void finit(lynd_module* m) {
     // What had been torn down when this module stopped.
     g_trail.push_back(std::string(m->name) + " finit after " + std::to_string(g_bridge->count_calls("bridgeStopAPS")) +
-                      " stops, loop done " + std::to_string(g_loop->done_count()) +
+                      " stops, bus freed " + std::to_string(g_bus->free_count()) +
                       (m->list.next == nullptr ? ", unlinked" : ", linked"));
     event_del_listener(&m->listener);
     delete m;
@@ -49,6 +50,7 @@ protected:
         g_trail.clear();
         g_bridge = &bridge;
         g_loop = &loop;
+        g_bus = &bus;
         loop.set_stop_time(5000);
     }
     int run(std::vector<std::string> args, const lynd_module_table& modules) {
@@ -76,11 +78,12 @@ TEST_F(LyndMainTest, StartsInTableOrderAndStopsNewestFirstAfterTheBridges) {
         "Path Selection init",
         "Path Selection event 0",
         "Loop avoidance event 0",
-        "Path Selection finit after 2 stops, loop done 0, unlinked",
-        "Loop avoidance finit after 2 stops, loop done 0, unlinked",
+        "Path Selection finit after 2 stops, bus freed 0, unlinked",
+        "Loop avoidance finit after 2 stops, bus freed 0, unlinked",
     };
     EXPECT_EQ(want, g_trail);
     EXPECT_EQ(1, loop.done_count());
+    EXPECT_EQ(1, bus.free_count());
     EXPECT_EQ((std::vector<std::string>{"bridgeStopAPS br-lan", "bridgeStopAPS br-guest"}), bridge.calls());
     EXPECT_TRUE(host.logged("<LYND_WARN>[start_modules, "));
     EXPECT_TRUE(host.logged("] Path Selection initialized"));
@@ -92,7 +95,7 @@ TEST_F(LyndMainTest, AModuleThatFailsIsSimplyAbsent) {
     const lynd_module_init_fn inits[] = {failing_init, ps_init};
     EXPECT_EQ(0, run({}, lynd_module_table{inits, 2}));
     EXPECT_EQ((std::vector<std::string>{"failing init", "Path Selection init", "Path Selection event 0",
-                                        "Path Selection finit after 2 stops, loop done 0, unlinked"}),
+                                        "Path Selection finit after 2 stops, bus freed 0, unlinked"}),
               g_trail);
 }
 

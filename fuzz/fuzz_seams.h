@@ -1,0 +1,29 @@
+// A quiet simulated node behind the seams, so parsers can log while fuzzed.
+#pragma once
+#include "core/log.h"
+#include "platform/seams.h"
+#include "sim/sim_bridge.h"
+#include "sim/sim_bus.h"
+#include "sim/sim_host.h"
+#include "sim/sim_loop.h"
+#include "sim/sim_uci.h"
+
+struct FuzzSeams {
+    lynd::SimLoop loop;
+    lynd::SimHost host;
+    lynd::SimUci uci;
+    lynd::SimBridge bridge;
+    lynd::SimBus bus;
+    FuzzSeams() {
+        lynd::install_seams({&loop, &host, &uci, &bridge, &bus});
+        g_lynd_dgb_lvl = LYND_LVL_TRACE;  // every log line's format runs too
+    }
+};
+
+// Log lines pile up in the simulated host; a fuzzer forgets them per input.
+inline FuzzSeams& fuzz_seams() {
+    static FuzzSeams seams;
+    seams.host.clear_console();
+    seams.bridge.clear_calls();
+    return seams;
+}

@@ -1,0 +1,194 @@
+#include <cerrno>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "conf_builder.h"
+#include "event/bridge_events.h"
+#include "event/netlink_datagram.h"
+#include "event/wifi_events.h"
+#include "sim_fixture.h"
+
+namespace {
+
+std::string nlmsg(uint32_t len, uint16_t type, const std::string& body) {
+    std::string m(16, '\0');
+    std::memcpy(&m[0], &len, 4);
+    std::memcpy(&m[4], &type, 2);
+    return m + body;
+}
+
+std::string le16(uint16_t v) { return std::string(reinterpret_cast<const char*>(&v), 2); }
+
+std::string iw_event(uint16_t len, uint16_t cmd) {
+    std::string e = le16(len) + le16(cmd);
+    return e + std::string(len > 4 ? len - 4 : 0, '\0');
+}
+
+// An RTM_NEWLINK for ifindex carrying one IFLA_WIRELESS attribute.
+std::string newlink(uint32_t ifindex, const std::string& events, uint16_t type = NL_RTM_NEWLINK) {
+    std::string ifi(16, '\0');
+    std::memcpy(&ifi[4], &ifindex, 4);
+    std::string attr = le16(static_cast<uint16_t>(4 + events.size())) + le16(NL_IFLA_WIRELESS) + events;
+    attr.resize((attr.size() + 3) & ~size_t(3), '\0');
+    std::string body = ifi + attr;
+    return nlmsg(static_cast<uint32_t>(16 + body.size()), type, body);
+}
+
+std::vector<bridge_event> g_events;
+std::vector<std::string> g_bodies;
+void keep(lynd_config*, event_listener*, uint32_t type, void* data) {
+    if (type != EVENT_BRIDGE)
+        return;
+    auto* be = static_cast<bridge_event*>(data);
+    g_events.push_back(*be);
+    g_bodies.emplace_back(reinterpret_cast<const char*>(be->data), be->data_len);
+}
+
+class NetlinkEventsTest : public SimNodeTest {
+protected:
+    void SetUp() override {
+        SimNodeTest::SetUp();
+        g_events.clear();
+        g_bodies.clear();
+        conf = lynd_config{};
+        host.add_interface({"ath12", 12, {}});
+        host.add_interface({"eth1", 3, {}});
+        host.add_interface({"ath1", 21, {}});
+        add_iface(conf, "ath12", IF_TYPE_5G);
+        add_iface(conf, "eth1", IF_TYPE_ETH);
+        add_iface(conf, "ath1", IF_TYPE_5G, false);
+        add_bridge(conf, "br-lan");
+        add_bridge(conf, "br-guest");
+        add_bridge(conf, "br-off");
+        for (const char* br : {"br-lan", "br-guest"}) {
+            bridge.add_bridge(br);
+            for (const char* p : {"ath12", "eth1", "ath1"})
+                bridge.add_port(br, p);
+        }
+        bridge.add_bridge("br-off", false);
+        event_init(&conf.ev);
+        event_add_listener(&conf.ev, &listener);
+        bridge.clear_calls();
+    }
+    void TearDown() override {
+        event_free(&conf.ev);
+        SimNodeTest::TearDown();
+    }
+    void hyfi(const std::string& datagram) {
+        host.queue_datagram(HYFI_EVENT_PROTOCOL, datagram);
+        ASSERT_TRUE(loop.fd_ready(host.nl_fd(HYFI_EVENT_PROTOCOL)));
+    }
+    void wifi(const std::string& datagram) {
+        host.queue_datagram(0, datagram);
+        ASSERT_TRUE(loop.fd_ready(host.nl_fd(0)));
+    }
+    lynd_config conf;
+    event_listener listener{{nullptr, nullptr}, keep};
+};
+
+TEST_F(NetlinkEventsTest, RegistersWithActiveBridgesOnly) {
+    lynd_config c{};
+    add_bridge(c, "br-lan");
+    add_bridge(c, "br-off");
+    add_bridge(c, "br-guest");
+    bridge.set_result("bridgeSetEventInfo", -1);
+    event_bridge_set_event(&c);
+    EXPECT_EQ(2u, bridge.count_calls("bridgeSetEventInfo"));
+    EXPECT_EQ(1u, bridge.count_calls("bridgeSetEventInfo br-lan 4242 3 25"));
+    EXPECT_EQ(2u, host.count_logged("] bridgeSetEventInfo"));
+}
+
+TEST_F(NetlinkEventsTest, CompleteFirstMessageIsDelivered) {
+    std::string first = nlmsg(20, 3, "ABCD");
+    hyfi(first + nlmsg(20, 7, "WXYZ"));
+    ASSERT_EQ(1u, g_events.size());
+    EXPECT_EQ(3u, g_events[0].msg_type);
+    EXPECT_EQ(4u, g_events[0].data_len);
+    EXPECT_EQ("ABCD", g_bodies[0]);
+}
+
+TEST_F(NetlinkEventsTest, ShortOrLyingDatagramsAreDroppedWithALine) {
+    hyfi(std::string("\x0a\0\0\0\0\0\0\0\0\0", 10));
+    EXPECT_TRUE(host.logged("] NLMSG_OK(nlh[10], len[10])"));
+    hyfi(nlmsg(200, 3, std::string(84, 'x')));
+    EXPECT_TRUE(host.logged("] NLMSG_OK(nlh[200], len[100])"));
+    hyfi(nlmsg(8, 3, ""));
+    EXPECT_TRUE(host.logged("] NLMSG_OK(nlh[8], len[16])"));
+    EXPECT_TRUE(g_events.empty());
+}
+
+TEST_F(NetlinkEventsTest, ReceiveErrorRebuildsTheSocketAndRegistersAgain) {
+    host.queue_recv_error(HYFI_EVENT_PROTOCOL, ENOBUFS);
+    int old_fd = host.nl_fd(HYFI_EVENT_PROTOCOL);
+    ASSERT_TRUE(loop.fd_ready(old_fd));
+    EXPECT_TRUE(host.logged("] recvfrom: No buffer space available, reinit event bridge"));
+    EXPECT_EQ(2, host.nl_opened(HYFI_EVENT_PROTOCOL));
+    EXPECT_NE(old_fd, host.nl_fd(HYFI_EVENT_PROTOCOL));
+    EXPECT_FALSE(loop.fd_ready(old_fd));
+    EXPECT_EQ(2u, bridge.count_calls("bridgeSetEventInfo"));
+    hyfi(nlmsg(16, 11, ""));
+    EXPECT_EQ(1u, g_events.size());
+}
+
+TEST_F(NetlinkEventsTest, SocketFailuresAreFatal) {
+    event_free(&conf.ev);
+    host.set_nl_bind_error(HYFI_EVENT_PROTOCOL, EADDRINUSE);
+    EXPECT_EXIT(
+        {
+            host.set_echo(true);
+            event_init(&conf.ev);
+        },
+        ::testing::ExitedWithCode(1), "<LYND_FATAL>.*Fatal\\(Address already in use\\): bind");
+    host.set_nl_bind_error(HYFI_EVENT_PROTOCOL, 0);
+    host.set_nl_socket_error(0, EPROTONOSUPPORT);
+    EXPECT_EXIT(
+        {
+            host.set_echo(true);
+            event_init(&conf.ev);
+        },
+        ::testing::ExitedWithCode(1), "Fatal\\(Protocol not supported\\): socket");
+    host.set_nl_socket_error(0, 0);
+    event_init(&conf.ev);
+}
+
+TEST_F(NetlinkEventsTest, ExpiredStationFlushesItsPortOnEveryActiveBridge) {
+    wifi(newlink(12, iw_event(20, 0x8C03) + iw_event(20, NL_IWEVEXPIRED)));
+    EXPECT_EQ((std::vector<std::string>{"bridgeDelFdbByName br-lan ath12", "bridgeDelFdbByName br-guest ath12"}),
+              bridge.calls_matching("bridgeDelFdbByName"));
+    EXPECT_TRUE(g_events.empty());
+}
+
+TEST_F(NetlinkEventsTest, OnlyExpiriesOnConfiguredRelayPathsFlush) {
+    wifi(newlink(12, iw_event(20, 0x8C03)));                 // a station registered
+    wifi(newlink(21, iw_event(20, NL_IWEVEXPIRED)));         // not a path
+    wifi(newlink(12, iw_event(20, NL_IWEVEXPIRED), 17));     // RTM_DELLINK
+    conf.interfaces[0].relay = false;
+    wifi(newlink(12, iw_event(20, NL_IWEVEXPIRED)));         // not a relay port
+    EXPECT_TRUE(bridge.calls_matching("bridgeDelFdbByName").empty());
+    EXPECT_FALSE(host.logged("<LYND_ERR>"));
+    wifi(newlink(99, iw_event(20, NL_IWEVEXPIRED)));         // unknown index
+    EXPECT_TRUE(host.logged("] config_index_to_name fail"));
+}
+
+TEST_F(NetlinkEventsTest, BadEventLengthEndsTheWalkKeepingWhatCameBefore) {
+    wifi(newlink(12, iw_event(20, NL_IWEVEXPIRED) + iw_event(4, 0x8C03) + std::string(4, '\0')));
+    EXPECT_TRUE(host.logged("] Event len is not available"));
+    EXPECT_EQ(2u, bridge.calls_matching("bridgeDelFdbByName").size());
+}
+
+TEST_F(NetlinkEventsTest, WalksStopAtTheEndOfWhatArrived) {
+    std::string ev = iw_event(20, NL_IWEVEXPIRED);
+    auto* p = reinterpret_cast<const uint8_t*>(ev.data());
+    EXPECT_TRUE(__isDisassociateEvent(p, ev.size()));
+    EXPECT_FALSE(__isDisassociateEvent(p, ev.size() - 1));  // record runs past the end
+    EXPECT_FALSE(__isDisassociateEvent(p, 7));
+    // Attributes: zero length, length past the end, a later one replacing.
+    std::string zero = le16(0) + le16(NL_IFLA_WIRELESS) + ev;
+    EXPECT_FALSE(nl_wifi_parse_attrs(reinterpret_cast<const uint8_t*>(zero.data()), zero.size()));
+    std::string two = le16(24) + le16(NL_IFLA_WIRELESS) + ev + le16(24) + le16(NL_IFLA_WIRELESS) + iw_event(20, 1);
+    EXPECT_FALSE(nl_wifi_parse_attrs(reinterpret_cast<const uint8_t*>(two.data()), two.size()));
+    EXPECT_TRUE(nl_wifi_parse_attrs(reinterpret_cast<const uint8_t*>(two.data()), two.size() - 1));
+}
+
+}  // namespace

@@ -1,0 +1,125 @@
+#include <string>
+#include <vector>
+
+#include "conf_builder.h"
+#include "event/event_hub.h"
+#include "event/ubus_receive.h"
+#include "sim_fixture.h"
+
+namespace {
+
+struct Heard {
+    uint32_t type;
+    size_t bridge_calls;  // how many bridge calls had been made by then
+    configure_event cfg;
+    link_state_event ls;
+    debug_event dbg;
+    uint32_t ts;
+};
+std::vector<Heard> g_heard;
+lynd::SimBridge* g_bridge;
+
+void hear(lynd_config*, event_listener*, uint32_t type, void* data) {
+    Heard h{type, g_bridge->calls().size(), {}, {}, {}, 0};
+    if (type == EVENT_CONFIGURE)
+        h.cfg = *static_cast<configure_event*>(data);
+    if (type == EVENT_LINK_STATE)
+        h.ls = *static_cast<link_state_event*>(data);
+    if (type == EVENT_DEBUG)
+        h.dbg = *static_cast<debug_event*>(data);
+    if (type == EVENT_TS)
+        h.ts = *static_cast<uint32_t*>(data);
+    g_heard.push_back(h);
+}
+
+class UbusReceiveTest : public SimNodeTest {
+protected:
+    void SetUp() override {
+        SimNodeTest::SetUp();
+        g_heard.clear();
+        g_bridge = &bridge;
+        add_bridge(conf, "br-lan");
+        bridge.add_bridge("br-lan");
+        event_init(&conf.ev);
+        event_add_listener(&conf.ev, &listener);
+        bridge.clear_calls();
+    }
+    void TearDown() override {
+        event_free(&conf.ev);
+        SimNodeTest::TearDown();
+    }
+    lynd_config conf{};
+    event_listener listener{{nullptr, nullptr}, hear};
+};
+
+TEST_F(UbusReceiveTest, ConfigureReRegistersTheBridgesBeforeDelivery) {
+    ASSERT_TRUE(bus.send("lynd.configure", R"({"mode": "AP", "hc_enable": 0})"));
+    ASSERT_EQ(1u, g_heard.size());
+    EXPECT_EQ(EVENT_CONFIGURE, g_heard[0].type);
+    EXPECT_EQ(WORK_MODE_FAP, g_heard[0].cfg.mode);
+    EXPECT_EQ(TRI_OFF, g_heard[0].cfg.hc_enable);
+    EXPECT_EQ(1u, bridge.count_calls("bridgeSetEventInfo br-lan"));
+    EXPECT_EQ(bridge.calls().size(), g_heard[0].bridge_calls);
+}
+
+TEST_F(UbusReceiveTest, LinkStateIsRememberedByTheHub) {
+    g_lynd_dgb_lvl = 5;
+    bus.send("lynd.link_state", R"({"link_state": 48})");
+    bus.send("lynd.link_state", R"({"link_state": 48})");
+    bus.send("lynd.link_state", R"({"link_state": "48"})");  // wrong type: nothing known
+    ASSERT_EQ(3u, g_heard.size());
+    EXPECT_EQ(1u, g_heard[0].ls.need_reconfig);
+    EXPECT_EQ(0u, g_heard[1].ls.need_reconfig);
+    EXPECT_EQ(0u, g_heard[2].ls.eth_state[0]);
+    EXPECT_EQ(1u, conf.ev.eth_state[1]);
+    EXPECT_TRUE(host.logged("] eth2 link state change, need_reconfig"));
+    bus.send("lynd.link_state", "{}");
+    EXPECT_EQ(3u, g_heard.size());
+    EXPECT_TRUE(host.logged("] link_state parse failed"));
+}
+
+TEST_F(UbusReceiveTest, DebugAndTrafficSeparationReachTheModules) {
+    bus.send("lynd.debug", R"({"dbg_level": 9})");
+    bus.send("lynd.debug", R"({"nothing": 1})");
+    bus.send("lynd.traffic_separation", "{}");
+    ASSERT_EQ(2u, g_heard.size());
+    EXPECT_EQ(6u, g_heard[0].dbg.value);
+    EXPECT_EQ(EVENT_TS, g_heard[1].type);
+    EXPECT_EQ(1u, g_heard[1].ts);
+}
+
+TEST_F(UbusReceiveTest, UnknownAndForeignEventsAreLoggedAndDropped) {
+    g_lynd_dgb_lvl = 2;
+    bus.send("lynd.foo", R"({"a": 1})");
+    EXPECT_TRUE(host.logged("<LYND_WARN>[event_ubus_receive_cb, "));
+    EXPECT_TRUE(host.logged("] unknown subtype"));
+    EXPECT_FALSE(bus.send("other.configure", "{}"));  // the pattern keeps it away
+    lynd::BusMessage empty{nullptr, 0, false};
+    event_ubus_receive_cb(&conf.ev, "lynX.configure", empty);
+    EXPECT_TRUE(host.logged("] wrong type"));
+    EXPECT_TRUE(g_heard.empty());
+}
+
+TEST_F(UbusReceiveTest, ConnectionFailuresAreFatal) {
+    event_free(&conf.ev);
+    EXPECT_EQ(1, bus.free_count());
+    bus.set_connect_result(10);
+    EXPECT_EXIT(
+        {
+            host.set_echo(true);
+            event_init(&conf.ev);
+        },
+        ::testing::ExitedWithCode(1), "<LYND_FATAL>.*ubus_connect");
+    bus.set_connect_result(0);
+    bus.set_register_result(6);
+    EXPECT_EXIT(
+        {
+            host.set_echo(true);
+            event_init(&conf.ev);
+        },
+        ::testing::ExitedWithCode(1), "ubus_register_event_handler: Permission denied");
+    bus.set_register_result(0);
+    event_init(&conf.ev);
+}
+
+}  // namespace
