@@ -6,6 +6,7 @@
 #include "config/lynd_config.h"
 
 constexpr const char* LYND_DEFAULT_CONFIG = "/etc/lynd.json";
+constexpr size_t LYND_CONFIG_MAX_SIZE = 256 * 1024;
 
 enum class config_parse_result {
     OK,

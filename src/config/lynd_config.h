@@ -12,17 +12,13 @@ constexpr int LYND_MAX_BRIDGES = 8;
 constexpr int LYND_MAX_INTERFACES = 128;
 constexpr int LYND_NAME_LEN = 16;  // 15 characters and the terminator
 
-enum : uint32_t {
-    BR_FLAG_LOOP_AVOIDANCE = 1u << 0,
-    BR_FLAG_PATH_SELECTION = 1u << 1,
-    BR_FLAG_DUMP = 1u << 2,  // run-time only
-};
+constexpr uint32_t BR_FLAG_LOOP_AVOIDANCE = 1u << 0;
+constexpr uint32_t BR_FLAG_PATH_SELECTION = 1u << 1;
+constexpr uint32_t BR_FLAG_DUMP = 1u << 2;  // run-time only
 
-enum : uint32_t {
-    PS_FLAG_HC = 1u << 0,
-    PS_FLAG_FOLLOW_RE = 1u << 1,
-    PS_FLAG_TCP_SP = 1u << 2,
-};
+constexpr uint32_t PS_FLAG_HC = 1u << 0;
+constexpr uint32_t PS_FLAG_FOLLOW_RE = 1u << 1;
+constexpr uint32_t PS_FLAG_TCP_SP = 1u << 2;
 
 struct conf_bridge {
     char name[LYND_NAME_LEN];  // first: the record stands for its name
