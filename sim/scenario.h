@@ -1,0 +1,67 @@
+// A scenario: the daemon's configuration and command line, the simulated
+// node, a timeline of events and the expectations a run must meet.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "sim/sim_host.h"
+
+namespace lynd {
+
+struct ScenarioTool {
+    std::string cmdline;
+    std::string output;
+    int status = 0;
+};
+
+struct ScenarioBridge {
+    std::string name;
+    bool active = true;
+    std::vector<std::string> ports;
+};
+
+enum class TimelineKind { UBUS, NETLINK, STATION_EXPIRED };
+
+struct TimelineEntry {
+    int64_t at_ms = 0;
+    TimelineKind kind = TimelineKind::UBUS;
+    std::string name;   // ubus event name, or the interface that lost a station
+    std::string data;   // ubus payload (JSON text) or the raw netlink datagram
+};
+
+enum class ExpectKind { LOG_CONTAINS, LOG_ABSENT, EXIT, CALL, FILE_EQUALS };
+
+struct Expectation {
+    int64_t at_ms = -1;  // -1: at the end of the run
+    ExpectKind kind = ExpectKind::LOG_CONTAINS;
+    std::string text;    // log text, call, or file path
+    std::string equals;  // file content
+    int value = 0;       // exit status
+    int count = -1;      // how many log lines or calls; -1: at least one
+};
+
+struct Scenario {
+    std::string name;
+    int64_t duration_s = 60;
+    int64_t seed = 1;
+    bool has_config = false;
+    std::string config_text;
+    std::vector<std::string> args;
+    std::map<std::string, std::string> uci;
+    std::vector<ScenarioTool> tools;
+    std::vector<SimInterface> interfaces;
+    std::vector<ScenarioBridge> bridges;
+    std::vector<TimelineEntry> timeline;
+    std::vector<Expectation> expect;
+};
+
+// Pure. False with a message naming the first problem.
+bool scenario_parse(const char* text, size_t len, Scenario* out, std::string* error);
+
+// A readable summary of one expectation, for reports.
+std::string describe(const Expectation& e);
+
+}  // namespace lynd

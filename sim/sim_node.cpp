@@ -1,0 +1,144 @@
+#include "sim/sim_node.h"
+
+#include <algorithm>
+
+#include "core/lynd_main.h"
+#include "event/bridge_events.h"
+#include "platform/seams.h"
+#include "sim/netlink_craft.h"
+#include "sim/wlan_platform_sim.h"
+
+namespace lynd {
+
+size_t RunOutcome::failed() const {
+    return static_cast<size_t>(std::count_if(results.begin(), results.end(), [](const ExpectResult& r) {
+        return !r.passed;
+    }));
+}
+
+SimNode::SimNode(const Scenario& sc) : sc_(sc) {
+    host_.set_clock(&loop_);
+    bridge_.set_host(&host_);
+    build_node();
+    install_seams({&loop_, &host_, &uci_, &bridge_, &bus_});
+    wlan_platform_ops = &wlan_platform_sim;
+    loop_.set_stop_time(sc.duration_s * 1000);
+}
+
+void SimNode::build_node() {
+    for (const auto& i : sc_.interfaces)
+        host_.add_interface(i);
+    for (const auto& t : sc_.tools)
+        host_.set_tool(t.cmdline, t.output, t.status);
+    for (const auto& kv : sc_.uci)
+        uci_.set(kv.first, kv.second);
+    for (const auto& b : sc_.bridges) {
+        bridge_.add_bridge(b.name, b.active);
+        for (const auto& p : b.ports)
+            bridge_.add_port(b.name, p);
+    }
+    if (sc_.has_config)
+        host_.set_file("/etc/lynd.json", sc_.config_text);
+}
+
+void SimNode::arm_timeline() {
+    // Reserved once: the loop keeps pointers to these timers.
+    timers_.clear();
+    timers_.reserve(sc_.timeline.size() + sc_.expect.size());
+    for (const auto& e : sc_.timeline)
+        timers_.push_back(TimelineTimer{LoopTimer{}, this, &e, nullptr});
+    for (const auto& x : sc_.expect)
+        if (x.at_ms >= 0)
+            timers_.push_back(TimelineTimer{LoopTimer{}, this, nullptr, &x});
+    for (auto& t : timers_) {
+        t.timer.cb = fire;
+        loop_.timer_set(&t.timer, static_cast<int>(t.entry ? t.entry->at_ms : t.expect->at_ms));
+    }
+}
+
+void SimNode::fire(LoopTimer* t) {
+    auto* tt = reinterpret_cast<TimelineTimer*>(t);
+    if (tt->entry != nullptr)
+        tt->node->play(*tt->entry);
+    else
+        tt->node->timed_results_.push_back(tt->node->judge(*tt->expect, 0));
+}
+
+void SimNode::play(const TimelineEntry& e) {
+    switch (e.kind) {
+    case TimelineKind::UBUS:
+        (void)bus_.send(e.name, e.data);
+        break;
+    case TimelineKind::NETLINK:
+        host_.queue_datagram(HYFI_EVENT_PROTOCOL, e.data);
+        (void)loop_.fd_ready(host_.nl_fd(HYFI_EVENT_PROTOCOL));
+        break;
+    case TimelineKind::STATION_EXPIRED:
+        host_.queue_datagram(0, craft_station_expired(host_.if_nametoindex(e.name.c_str())));
+        (void)loop_.fd_ready(host_.nl_fd(0));
+        break;
+    }
+}
+
+ExpectResult SimNode::judge(const Expectation& e, int exit_status) const {
+    ExpectResult r{&e, false, ""};
+    size_t n = 0;
+    switch (e.kind) {
+    case ExpectKind::LOG_CONTAINS:
+    case ExpectKind::LOG_ABSENT:
+        n = host_.count_logged(e.text);
+        break;
+    case ExpectKind::CALL:
+        n = static_cast<size_t>(std::count(bridge_.calls().begin(), bridge_.calls().end(), e.text));
+        break;
+    case ExpectKind::EXIT:
+        r.passed = exit_status == e.value;
+        r.why = "exit status " + std::to_string(exit_status);
+        return r;
+    case ExpectKind::FILE_EQUALS:
+        r.passed = host_.has_file(e.text) && host_.file(e.text) == e.equals;
+        r.why = host_.has_file(e.text) ? "file holds \"" + host_.file(e.text) + "\"" : "no such file";
+        return r;
+    }
+    if (e.kind == ExpectKind::LOG_ABSENT)
+        r.passed = n == 0;
+    else
+        r.passed = e.count < 0 ? n > 0 : n == static_cast<size_t>(e.count);
+    r.why = "seen " + std::to_string(n) + " times";
+    return r;
+}
+
+RunOutcome SimNode::finish(int exit_status) {
+    RunOutcome out;
+    out.exit_status = exit_status;
+    out.virtual_ms = loop_.now_ms();
+    out.results = timed_results_;
+    for (const auto& e : sc_.expect) {
+        bool timed_and_judged = e.at_ms >= 0 && std::any_of(timed_results_.begin(), timed_results_.end(),
+                                                             [&](const ExpectResult& r) { return r.expect == &e; });
+        if (timed_and_judged)
+            continue;
+        ExpectResult r = judge(e, exit_status);
+        if (e.at_ms >= 0 && r.passed) {
+            r.passed = false;
+            r.why = "the run ended before " + std::to_string(e.at_ms / 1000) + " s";
+        }
+        out.results.push_back(r);
+    }
+    return out;
+}
+
+RunOutcome SimNode::run(const std::string& argv0, const std::vector<std::string>& extra) {
+    arm_timeline();
+    std::vector<std::string> args{argv0};
+    args.insert(args.end(), sc_.args.begin(), sc_.args.end());
+    args.insert(args.end(), extra.begin(), extra.end());
+    std::vector<char*> argv;
+    for (auto& a : args)
+        argv.push_back(&a[0]);
+    argv.push_back(nullptr);
+    int rc = lynd_main(static_cast<int>(args.size()), argv.data());
+    return finish(rc);
+}
+
+}  // namespace lynd

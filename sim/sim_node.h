@@ -1,0 +1,64 @@
+// One run of the daemon on a simulated node built from a scenario.
+#pragma once
+#include <string>
+#include <vector>
+
+#include "sim/scenario.h"
+#include "sim/sim_bridge.h"
+#include "sim/sim_bus.h"
+#include "sim/sim_host.h"
+#include "sim/sim_loop.h"
+#include "sim/sim_uci.h"
+
+namespace lynd {
+
+struct ExpectResult {
+    const Expectation* expect;
+    bool passed;
+    std::string why;
+};
+
+struct RunOutcome {
+    int exit_status = 0;
+    int64_t virtual_ms = 0;
+    std::vector<ExpectResult> results;
+    size_t failed() const;
+};
+
+class SimNode {
+public:
+    explicit SimNode(const Scenario& sc);
+    // Runs the real entry with the scenario's arguments and then extra.
+    // A fatal start-up error exits the process from inside the daemon; the
+    // handler set with on_exit() still reports the outcome.
+    RunOutcome run(const std::string& argv0, const std::vector<std::string>& extra);
+    // Expectations still open are judged as if the daemon had exited.
+    RunOutcome finish(int exit_status);
+
+    SimHost& host() { return host_; }
+    SimBridge& bridge() { return bridge_; }
+
+private:
+    struct TimelineTimer {
+        LoopTimer timer;  // first: the timer is the record
+        SimNode* node;
+        const TimelineEntry* entry;
+        const Expectation* expect;
+    };
+    static void fire(LoopTimer* t);
+    void play(const TimelineEntry& e);
+    ExpectResult judge(const Expectation& e, int exit_status) const;
+    void build_node();
+    void arm_timeline();
+
+    const Scenario& sc_;
+    SimLoop loop_;
+    SimHost host_;
+    SimUci uci_;
+    SimBridge bridge_;
+    SimBus bus_;
+    std::vector<TimelineTimer> timers_;
+    std::vector<ExpectResult> timed_results_;
+};
+
+}  // namespace lynd

@@ -1,0 +1,101 @@
+#include <string>
+
+#include "sim/scenario.h"
+#include "sim/sim_node.h"
+#include "sim_fixture.h"
+
+namespace {
+
+using lynd::Scenario;
+
+bool parse(const std::string& text, Scenario* sc, std::string* error) {
+    return lynd::scenario_parse(text.data(), text.size(), sc, error);
+}
+
+TEST(ScenarioParse, DefaultsAndNode) {
+    Scenario sc;
+    std::string error;
+    ASSERT_TRUE(parse(R"({"node": {"uci": {"a.b.c": "x", "a.b.n": 5, "a.b.t": true},
+        "tools": {"iwpriv wifi0 dbdc_enable 0": "", "wpa_cli x": {"output": "OK", "status": 2}},
+        "interfaces": [{"name": "ath12", "ifindex": 12, "mac": "02:00:00:00:01:12"}],
+        "bridges": [{"name": "br-lan", "active": false, "ports": ["ath12"]}]}})",
+                      &sc, &error))
+        << error;
+    EXPECT_EQ(60, sc.duration_s);
+    EXPECT_FALSE(sc.has_config);
+    EXPECT_EQ("5", sc.uci["a.b.n"]);
+    EXPECT_EQ("true", sc.uci["a.b.t"]);
+    ASSERT_EQ(2u, sc.tools.size());
+    EXPECT_EQ(2, sc.tools[1].status);
+    EXPECT_EQ(0x12, sc.interfaces[0].mac[5]);
+    EXPECT_FALSE(sc.bridges[0].active);
+}
+
+TEST(ScenarioParse, BadInputIsNamed) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"[1]", "not a JSON object"},
+        {"{\"duration\": ", "not a JSON object"},
+        {R"({"duration": -1})", "\"duration\""},
+        {R"({"args": ["-l", 4]})", "\"args\" must be strings"},
+        {R"({"timeline": [{"at": 5, "reboot": true}]})", "unknown kind"},
+        {R"({"duration": 10, "timeline": [{"at": 50, "ubus": "lynd.debug"}]})", "from 0 to 10"},
+        {R"({"timeline": [{"at": 1, "station_expired": "ath9"}]})", "does not have: ath9"},
+        {R"({"timeline": [{"at": 1, "netlink": {"type": 3, "body_hex": "0g"}}]})", "hex digits"},
+        {R"({"node": {"interfaces": [{"name": "a-name-of-16-chr", "ifindex": 3}]}})", "is too long"},
+        {R"({"node": {"interfaces": [{"name": "a", "ifindex": 3, "mac": "02:00"}]}})", "bad \"mac\""},
+        {R"({"expect": [{"exit": 0, "at": 3}]})", "has no \"at\""},
+        {R"({"expect": [{"file": "/tmp/x"}]})", "needs \"equals\""},
+        {R"({"expect": [{"log_contains": 3}]})", "must be a string"},
+    };
+    for (const auto& c : cases) {
+        Scenario sc;
+        std::string error;
+        EXPECT_FALSE(parse(c.first, &sc, &error)) << c.first;
+        EXPECT_NE(std::string::npos, error.find(c.second)) << c.first << " -> " << error;
+    }
+}
+
+TEST(ScenarioParse, NetlinkEntriesBecomeDatagrams) {
+    Scenario sc;
+    std::string error;
+    ASSERT_TRUE(parse(R"({"timeline": [{"at": 1, "netlink": {"type": 11}},
+        {"at": 2, "netlink": {"type": 3, "len": 200, "body_hex": "aabb"}},
+        {"at": 3, "netlink": {"raw_hex": "0102"}}]})",
+                      &sc, &error))
+        << error;
+    ASSERT_EQ(3u, sc.timeline.size());
+    EXPECT_EQ(16u, sc.timeline[0].data.size());
+    EXPECT_EQ(11, sc.timeline[0].data[4]);
+    EXPECT_EQ(static_cast<char>(200), sc.timeline[1].data[0]);
+    EXPECT_EQ("\xaa\xbb", sc.timeline[1].data.substr(16));
+    EXPECT_EQ(std::string("\x01\x02"), sc.timeline[2].data);
+}
+
+// Expectations must be able to fail, or a scenario proves nothing.
+TEST(SimNodeRun, ExpectationsJudgeWhatHappened) {
+    Scenario sc;
+    std::string error;
+    ASSERT_TRUE(parse(R"({"duration": 30, "args": ["-l", "4"], "config": {"enable": true, "bridges": {"br0": {}}},
+        "node": {"bridges": [{"name": "br0", "ports": []}]},
+        "timeline": [{"at": 10, "ubus": "lynd.configure", "data": {"mode": "RE"}}],
+        "expect": [{"at": 5, "call": "bridgeSetEventInfo br0 4242 3 25", "count": 1},
+                   {"at": 15, "call": "bridgeSetEventInfo br0 4242 3 25", "count": 1},
+                   {"log_contains": "never said"}, {"log_absent": "init done"},
+                   {"file": "/etc/lynd.json", "equals": "{}"}, {"exit": 1}]})",
+                      &sc, &error))
+        << error;
+    const lynd::Seams saved = lynd::installed_seams();
+    lynd::SimNode node(sc);
+    lynd::RunOutcome o = node.run("lynd", {});
+    lynd::install_seams(saved);
+    EXPECT_EQ(0, o.exit_status);
+    EXPECT_EQ(30000, o.virtual_ms);
+    ASSERT_EQ(6u, o.results.size());
+    std::string verdicts;
+    for (const auto& r : o.results)
+        verdicts += r.passed ? "P" : "F";
+    EXPECT_EQ("PFFFFF", verdicts);
+    EXPECT_EQ(5u, o.failed());
+}
+
+}  // namespace
