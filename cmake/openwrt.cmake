@@ -1,5 +1,56 @@
-# The device binary: built when libubox, libubus and libuci are found.
+# The device build: compiled when libubox, libubus and libuci are found.
 if(LYND_OPENWRT STREQUAL "OFF")
   return()
 endif()
-message(STATUS "OpenWrt adapters: not yet available")
+
+find_path(UBOX_INCLUDE_DIR libubox/uloop.h)
+find_library(UBOX_LIBRARY ubox)
+find_path(UBUS_INCLUDE_DIR libubus.h)
+find_library(UBUS_LIBRARY ubus)
+find_path(UCI_INCLUDE_DIR uci.h)
+find_library(UCI_LIBRARY uci)
+
+if(NOT UBOX_INCLUDE_DIR OR NOT UBOX_LIBRARY OR NOT UBUS_INCLUDE_DIR OR NOT UBUS_LIBRARY
+   OR NOT UCI_INCLUDE_DIR OR NOT UCI_LIBRARY)
+  if(LYND_OPENWRT STREQUAL "ON")
+    message(FATAL_ERROR "LYND_OPENWRT=ON but libubox, libubus or libuci was not found")
+  endif()
+  message(STATUS "OpenWrt libraries not found: the device binary is not built")
+  return()
+endif()
+
+set(LYND_OPENWRT_DIR ${CMAKE_SOURCE_DIR}/src/platform/openwrt)
+file(GLOB LYND_OPENWRT_SOURCES CONFIGURE_DEPENDS ${LYND_OPENWRT_DIR}/*.cpp)
+list(REMOVE_ITEM LYND_OPENWRT_SOURCES ${LYND_OPENWRT_DIR}/main.cpp)
+add_library(lynd_openwrt STATIC ${LYND_OPENWRT_SOURCES})
+target_include_directories(lynd_openwrt PUBLIC ${UBOX_INCLUDE_DIR} ${UBUS_INCLUDE_DIR} ${UCI_INCLUDE_DIR})
+target_link_libraries(lynd_openwrt PUBLIC lynd ${UBUS_LIBRARY} ${UCI_LIBRARY} ${UBOX_LIBRARY})
+
+# The vendor bridge library only exists in the vendor's SDK; without it the
+# entry still compiles, but there is nothing to link the binary against.
+find_library(KREL_LIBRARY krel)
+if(KREL_LIBRARY)
+  add_executable(lynd ${LYND_OPENWRT_DIR}/main.cpp)
+  target_link_libraries(lynd PRIVATE lynd_openwrt ${KREL_LIBRARY})
+  set_target_properties(lynd PROPERTIES ENABLE_EXPORTS ON)  # libkrel reads g_dgb_lvl
+  install(TARGETS lynd RUNTIME DESTINATION sbin)
+else()
+  add_library(lynd_device_main OBJECT ${LYND_OPENWRT_DIR}/main.cpp)
+  target_link_libraries(lynd_device_main PRIVATE lynd_openwrt)
+  message(STATUS "libkrel not found: the device adapters are compiled, the lynd binary is not linked")
+endif()
+
+if(LYND_TESTS)
+  file(GLOB LYND_OPENWRT_TESTS CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/openwrt/*.cpp)
+  add_executable(lynd_openwrt_tests ${LYND_OPENWRT_TESTS})
+  target_include_directories(lynd_openwrt_tests PRIVATE ${CMAKE_SOURCE_DIR})
+  target_link_libraries(lynd_openwrt_tests PRIVATE lynd_openwrt lynd_sim ${UBOX_LIBRARY} GTest::gtest GTest::gtest_main)
+  gtest_discover_tests(lynd_openwrt_tests DISCOVERY_TIMEOUT 60)
+endif()
+if(LYND_FUZZ)
+  add_executable(ubus_blob_fuzz ${CMAKE_SOURCE_DIR}/fuzz/openwrt/ubus_blob_fuzz.cpp)
+  target_compile_options(ubus_blob_fuzz PRIVATE -fsanitize=fuzzer)
+  target_link_options(ubus_blob_fuzz PRIVATE -fsanitize=fuzzer)
+  target_include_directories(ubus_blob_fuzz PRIVATE ${CMAKE_SOURCE_DIR})
+  target_link_libraries(ubus_blob_fuzz PRIVATE lynd_openwrt lynd_sim)
+endif()

@@ -41,7 +41,9 @@ TEST_F(HybridTablesTest, LargeTableGrowsTheCapacityOnceAndForAll) {
     hc_entries(600);
     ASSERT_EQ(1, lynd_get_hyfi_bridge_hc_table("br-lan", &table, &count));
     EXPECT_EQ(600, count);
-    EXPECT_EQ(599u, static_cast<const hc_entry*>(table)[599].bytes);
+    hc_entry last;
+    std::memcpy(&last, static_cast<const uint8_t*>(table) + 599 * sizeof last, sizeof last);
+    EXPECT_EQ(599u, last.bytes);
     bridge.bridgeFreeTableBuf(table);
     EXPECT_EQ(600, g_hyfi_tables.hyfi_table_capacity);
     EXPECT_EQ((std::vector<std::string>{"bridgeAllocTableBuf 28000 br-lan", "bridgeAllocTableBuf 33600 br-lan"}),

@@ -65,7 +65,7 @@ TEST_F(PortInventoryTest, UnknownPortsAreReportedAndLeftOutInBridgeOrder) {
 
 TEST_F(PortInventoryTest, PortListStopsAtTheQueryRoom) {
     for (unsigned i = 0; i < 130; i++)
-        port("p" + std::to_string(i), 100 + i);
+        port("p" + std::to_string(i), 100 + i, i < LYND_MAX_INTERFACES);
     EXPECT_EQ(LYND_MAX_PORTS, lynd_get_active_ports(&conf, "br-lan", ports));
     EXPECT_STREQ("p127", ports[127]->name);
 }
@@ -105,13 +105,13 @@ TEST_F(PortInventoryTest, HardwareAddressAndModuleLookup) {
     EXPECT_EQ(0, lynd_get_bridge_mac("nope0", mac));
     EXPECT_TRUE(host.logged("] ioctl"));
 
-    list_head modules;
-    list_init(&modules);
+    lynd_list modules;
+    lynd_list_init(&modules);
     lynd_module la{}, ps{};
     la.id = 0;
     ps.id = 1;
-    list_add(&la.list, &modules);
-    list_add(&ps.list, &modules);
+    lynd_list_add(&la.list, &modules);
+    lynd_list_add(&ps.list, &modules);
     EXPECT_EQ(&la, lynd_get_mod_contex(&modules, 0));
     EXPECT_EQ(&ps, lynd_get_mod_contex(&modules, 1));
     EXPECT_EQ(nullptr, lynd_get_mod_contex(&modules, 2));

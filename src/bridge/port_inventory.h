@@ -27,7 +27,7 @@ int lynd_check_norelay_port(uint32_t ifindex, int count, conf_interface* const* 
 
 int lynd_get_bridge_mac(const char* ifname, uint8_t* mac_out);
 
-lynd_module* lynd_get_mod_contex(list_head* modules, uint32_t id);
+lynd_module* lynd_get_mod_contex(lynd_list* modules, uint32_t id);
 
 // Asks every listener to configure the bridges for the node's own mode.
 void lynd_run_configure_bridge();

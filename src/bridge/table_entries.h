@@ -1,4 +1,6 @@
 // Binary entries of the bridge's tables, as the library hands them out.
+// Entries inside a library buffer need not be aligned: copy one out before
+// reading its fields.
 #pragma once
 #include <cstdint>
 

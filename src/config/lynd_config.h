@@ -57,5 +57,5 @@ struct lynd_config {
     uint32_t brconf_mode;
     conf_ts ts;
     event_hub ev;
-    list_head modules;
+    lynd_list modules;
 };

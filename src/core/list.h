@@ -1,19 +1,19 @@
 // The doubly linked circular list used for modules, listeners and clients.
 #pragma once
 
-struct list_head {
-    list_head* next;
-    list_head* prev;
+struct lynd_list {
+    lynd_list* next;
+    lynd_list* prev;
 };
 
-inline void list_init(list_head* head) {
+inline void lynd_list_init(lynd_list* head) {
     head->next = head;
     head->prev = head;
 }
 
-inline bool list_empty(const list_head* head) { return head->next == head; }
+inline bool lynd_list_empty(const lynd_list* head) { return head->next == head; }
 
-inline void list_insert_between(list_head* item, list_head* prev, list_head* next) {
+inline void lynd_list_insert_between(lynd_list* item, lynd_list* prev, lynd_list* next) {
     next->prev = item;
     item->next = next;
     item->prev = prev;
@@ -21,16 +21,16 @@ inline void list_insert_between(list_head* item, list_head* prev, list_head* nex
 }
 
 // At the head: the newest item is visited first.
-inline void list_add(list_head* item, list_head* head) {
-    list_insert_between(item, head, head->next);
+inline void lynd_list_add(lynd_list* item, lynd_list* head) {
+    lynd_list_insert_between(item, head, head->next);
 }
 
-inline void list_add_tail(list_head* item, list_head* head) {
-    list_insert_between(item, head->prev, head);
+inline void lynd_list_add_tail(lynd_list* item, lynd_list* head) {
+    lynd_list_insert_between(item, head->prev, head);
 }
 
 // Unlinks item and leaves both of its links null.
-inline void list_del(list_head* item) {
+inline void lynd_list_del(lynd_list* item) {
     item->prev->next = item->next;
     item->next->prev = item->prev;
     item->next = nullptr;

@@ -17,16 +17,16 @@ void start_modules(lynd_config* conf, const lynd_module_table& modules) {
         if (m == nullptr)
             continue;
         LYND_WARN("%s initialized", m->name);
-        list_add(&m->list, &conf->modules);
+        lynd_list_add(&m->list, &conf->modules);
     }
 }
 
 // Newest first: path selection stops before loop avoidance.
 void stop_modules(lynd_config* conf) {
-    list_head* p = conf->modules.next;
+    lynd_list* p = conf->modules.next;
     while (p != &conf->modules) {
-        list_head* next = p->next;
-        list_del(p);
+        lynd_list* next = p->next;
+        lynd_list_del(p);
         lynd_module* m = lynd_module_of(p);
         m->finit(m);
         p = next;
@@ -53,7 +53,7 @@ int lynd_main_with(int argc, char** argv, const lynd_module_table& modules) {
 
     lynd_config* conf = &g_conf;
     *conf = lynd_config{};
-    list_init(&conf->modules);
+    lynd_list_init(&conf->modules);
 
     config_load(conf, opt.config_path);
     if (!conf->enable) {

@@ -9,7 +9,7 @@
 struct lynd_config;
 
 struct lynd_module {
-    list_head list;  // first: the list link is the record
+    lynd_list list;  // first: the list link is the record
     const char* name;
     uint32_t id;
     void (*finit)(lynd_module* module);
@@ -28,7 +28,7 @@ struct lynd_module_table {
 
 extern const lynd_module_table lynd_module_inits;
 
-inline lynd_module* lynd_module_of(list_head* link) { return reinterpret_cast<lynd_module*>(link); }
+inline lynd_module* lynd_module_of(lynd_list* link) { return reinterpret_cast<lynd_module*>(link); }
 
 inline lynd_module* lynd_module_of_listener(event_listener* l) {
     return reinterpret_cast<lynd_module*>(reinterpret_cast<char*>(l) - offsetof(lynd_module, listener));

@@ -1,8 +1,8 @@
 #include "bridge/port_inventory.h"
 #include "core/module.h"
 
-lynd_module* lynd_get_mod_contex(list_head* modules, uint32_t id) {
-    for (list_head* p = modules->next; p != modules; p = p->next) {
+lynd_module* lynd_get_mod_contex(lynd_list* modules, uint32_t id) {
+    for (lynd_list* p = modules->next; p != modules; p = p->next) {
         lynd_module* m = lynd_module_of(p);
         if (m->id == id)
             return m;

@@ -16,17 +16,17 @@ lynd_config* event_hub_config(event_hub* ev) {
 }
 
 void event_add_listener(event_hub* ev, event_listener* listener) {
-    list_add(&listener->list, &ev->listeners);
+    lynd_list_add(&listener->list, &ev->listeners);
 }
 
 void event_del_listener(event_listener* listener) {
     if (listener->list.next != nullptr)
-        list_del(&listener->list);
+        lynd_list_del(&listener->list);
 }
 
 void event_init(event_hub* ev) {
     *ev = event_hub{};
-    list_init(&ev->listeners);
+    lynd_list_init(&ev->listeners);
     lynd::loop().init();
     lynd::host().ignore_sigpipe();
     event_ubus_init(ev);
@@ -36,7 +36,7 @@ void event_init(event_hub* ev) {
 
 void event_run_cb(event_hub* ev, uint32_t type, void* data) {
     lynd_config* conf = event_hub_config(ev);
-    list_head* p = ev->listeners.next;
+    lynd_list* p = ev->listeners.next;
     while (p != &ev->listeners) {
         event_listener* l = reinterpret_cast<event_listener*>(p);
         l->cb(conf, l, type, data);

@@ -13,12 +13,12 @@ struct event_listener;
 using event_cb = void (*)(lynd_config* conf, event_listener* listener, uint32_t type, void* data);
 
 struct event_listener {
-    list_head list;
+    lynd_list list;
     event_cb cb;
 };
 
 struct event_hub {
-    list_head listeners;
+    lynd_list listeners;
     lynd::LoopFd hyfi_fd;  // hybrid-bridge netlink
     lynd::LoopFd wifi_fd;  // wireless rtnetlink
     uint32_t eth_state[4];  // last reported state of Ethernet ports 1..4
