@@ -24,7 +24,7 @@ file(GLOB LYND_OPENWRT_SOURCES CONFIGURE_DEPENDS ${LYND_OPENWRT_DIR}/*.cpp)
 list(REMOVE_ITEM LYND_OPENWRT_SOURCES ${LYND_OPENWRT_DIR}/main.cpp)
 add_library(lynd_openwrt STATIC ${LYND_OPENWRT_SOURCES})
 target_include_directories(lynd_openwrt PUBLIC ${UBOX_INCLUDE_DIR} ${UBUS_INCLUDE_DIR} ${UCI_INCLUDE_DIR})
-target_link_libraries(lynd_openwrt PUBLIC lynd ${UBUS_LIBRARY} ${UCI_LIBRARY} ${UBOX_LIBRARY})
+target_link_libraries(lynd_openwrt PUBLIC lynd_daemon ${UBUS_LIBRARY} ${UCI_LIBRARY} ${UBOX_LIBRARY})
 
 # The vendor bridge library only exists in the vendor's SDK; without it the
 # entry still compiles, but there is nothing to link the binary against.
