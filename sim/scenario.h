@@ -54,6 +54,7 @@ struct Scenario {
     std::vector<ScenarioTool> tools;
     std::vector<SimInterface> interfaces;
     std::vector<ScenarioBridge> bridges;
+    std::map<std::string, int> bridge_failures;  // library call -> its result
     std::vector<TimelineEntry> timeline;
     std::vector<Expectation> expect;
 };

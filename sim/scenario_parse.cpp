@@ -152,6 +152,13 @@ void parse_node(Reader& r, json_object* node, Scenario* out) {
             out->tools.push_back(t);
         }
     }
+    if (json_object* failures = object_member(r, node, "bridge_failures")) {
+        json_object_object_foreach(failures, call, val) {
+            if (!is(val, json_type_int))
+                r.fail(std::string("bridge failure of ") + call + " must be a whole number");
+            out->bridge_failures[call] = json_object_get_int(val);
+        }
+    }
     parse_interfaces(r, array_member(r, node, "interfaces"), out);
     parse_bridges(r, array_member(r, node, "bridges"), out);
 }

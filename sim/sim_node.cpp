@@ -37,6 +37,8 @@ void SimNode::build_node() {
         for (const auto& p : b.ports)
             bridge_.add_port(b.name, p);
     }
+    for (const auto& kv : sc_.bridge_failures)
+        bridge_.set_result(kv.first, kv.second);
     if (sc_.has_config)
         host_.set_file("/etc/lynd.json", sc_.config_text);
 }

@@ -1,3 +1,4 @@
+#include <cstdio>
 #include <cstring>
 #include <string>
 
@@ -135,6 +136,25 @@ TEST_F(ConfigParseTest, BadDocumentsNeverCrash) {
     EXPECT_EQ(0u, conf.n_bridges);
     EXPECT_EQ(0u, conf.param.period);
     EXPECT_EQ(3u, host.count_logged("is not an object, ignored"));
+}
+
+}  // namespace
+
+namespace {
+
+// The configuration the package installs must load as it stands.
+TEST(ConfigShipped, PackagedDefaultLoads) {
+    std::FILE* f = std::fopen(LYND_SOURCE_DIR "/openwrt/files/lynd.json", "rb");
+    ASSERT_NE(nullptr, f);
+    std::string text(LYND_CONFIG_MAX_SIZE, '\0');
+    text.resize(std::fread(&text[0], 1, text.size(), f));
+    std::fclose(f);
+    static lynd_config conf;
+    ASSERT_EQ(config_parse_result::OK, config_parse(&conf, text.data(), text.size()));
+    EXPECT_TRUE(conf.enable);
+    EXPECT_EQ(1u, conf.n_bridges);
+    EXPECT_EQ(8u, conf.n_interfaces);
+    EXPECT_EQ(conf.param.period % conf.param.short_period, 0u);
 }
 
 }  // namespace

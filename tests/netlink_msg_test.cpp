@@ -1,0 +1,31 @@
+#include <linux/netlink.h>
+
+#include <cstring>
+
+#include "platform/linux/netlink_msg.h"
+#include "sim_fixture.h"
+
+namespace {
+
+using NetlinkMsgTest = SimNodeTest;
+
+TEST_F(NetlinkMsgTest, UnknownProtocolFailsAtTheSocket) {
+    uint8_t buf[64] = {};
+    EXPECT_EQ(0, lynd_netlink_msg(0, buf, 12, 31));
+    EXPECT_TRUE(host.logged("] netlink socket create failed\n"));
+}
+
+// The kernel ignores a routing message that is not a request: no answer,
+// no complaint, and the header was filled as promised.
+TEST_F(NetlinkMsgTest, SilentKernelIsAQuietFailure) {
+    uint8_t buf[64] = {};
+    EXPECT_EQ(0, lynd_netlink_msg(18, buf, 13, NETLINK_ROUTE));
+    nlmsghdr hdr;
+    std::memcpy(&hdr, buf, sizeof hdr);
+    EXPECT_EQ(32u, hdr.nlmsg_len);  // 13 + 19, rounded down to a multiple of 4
+    EXPECT_EQ(18, hdr.nlmsg_type);
+    EXPECT_EQ(0, hdr.nlmsg_flags);
+    EXPECT_TRUE(host.console_lines().empty());
+}
+
+}  // namespace
