@@ -21,7 +21,7 @@ build: deps
 run: build
 	$(BUILD)/lynd-sim run $(SCENARIO)
 
-test: test-plain test-asan fuzz
+test: fuzz test-asan test-plain
 
 test-plain: build
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
