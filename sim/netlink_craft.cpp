@@ -39,35 +39,35 @@ std::string nlmsg(uint32_t len, uint16_t type, const std::string& body) {
     return m + body;
 }
 
-const char* hex_member(json_object* spec, const char* key) {
+const char* hex_member(json_object* entry, const char* key) {
     json_object* v = nullptr;
-    if (!json_object_object_get_ex(spec, key, &v))
+    if (!json_object_object_get_ex(entry, key, &v))
         return nullptr;
     return json_object_is_type(v, json_type_string) ? json_object_get_string(v) : "?";
 }
 
 }  // namespace
 
-bool craft_bridge_datagram(json_object* spec, std::string* out, std::string* problem) {
-    if (const char* raw = hex_member(spec, "raw_hex")) {
+bool craft_bridge_datagram(json_object* entry, std::string* out, std::string* problem) {
+    if (const char* raw = hex_member(entry, "raw_hex")) {
         if (!from_hex(raw, out))
             *problem = "\"raw_hex\" must be an even number of hex digits";
         return problem->empty();
     }
     json_object* type = nullptr;
-    if (!json_object_object_get_ex(spec, "type", &type) || !json_object_is_type(type, json_type_int) ||
+    if (!json_object_object_get_ex(entry, "type", &type) || !json_object_is_type(type, json_type_int) ||
         json_object_get_int64(type) < 0 || json_object_get_int64(type) > 0xffff) {
         *problem = "\"type\" must be a message type from 0 to 65535";
         return false;
     }
     std::string body;
-    if (const char* hex = hex_member(spec, "body_hex"); hex != nullptr && !from_hex(hex, &body)) {
+    if (const char* hex = hex_member(entry, "body_hex"); hex != nullptr && !from_hex(hex, &body)) {
         *problem = "\"body_hex\" must be an even number of hex digits";
         return false;
     }
     uint32_t len = static_cast<uint32_t>(16 + body.size());
     json_object* lie = nullptr;
-    if (json_object_object_get_ex(spec, "len", &lie))
+    if (json_object_object_get_ex(entry, "len", &lie))
         len = static_cast<uint32_t>(json_object_get_int64(lie));
     *out = nlmsg(len, static_cast<uint16_t>(json_object_get_int(type)), body);
     return true;

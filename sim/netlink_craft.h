@@ -9,7 +9,7 @@ namespace lynd {
 
 // {"type": N} with optional "body_hex" (the message body), "len" (a length
 // field that lies) or "raw_hex" (the whole datagram as it is).
-bool craft_bridge_datagram(json_object* spec, std::string* out, std::string* problem);
+bool craft_bridge_datagram(json_object* entry, std::string* out, std::string* problem);
 
 // An RTM_NEWLINK for ifindex whose wireless event says a station expired.
 std::string craft_station_expired(uint32_t ifindex);
