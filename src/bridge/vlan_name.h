@@ -2,5 +2,19 @@
 #pragma once
 #include <cstdint>
 
+struct lynd_config;
+
 // Always 1. out is a 16-byte field; the name is cut to 15 characters.
 int lynd_get_vlan_name(char* out, const char* base, uint32_t vid, bool dotted);
+
+// Always 1. out (16 bytes) receives the name before its last dot, or the
+// whole name when there is no dot or the dot stands past the field.
+int lynd_get_home_name(char* out, const char* name);
+
+// The id after the last dot, 1..4095; 0 for anything else.
+uint32_t lynd_get_vlan_id(const char* name);
+
+// The VLAN an interface's traffic travels in under traffic separation, or 0.
+uint32_t lynd_get_ts_vlan(const lynd_config* conf, const char* ifname);
+
+int lynd_is_ts_vlan(const lynd_config* conf, uint32_t vid);
