@@ -1,0 +1,19 @@
+// /proc/stat and /proc/net/dev text of any shape through their readers.
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "bridge/host_stats.h"
+#include "fuzz/fuzz_seams.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    fuzz_seams();
+    std::vector<char> text(data, data + size);
+    cpu_sample s;
+    if (lynd_parse_proc_stat(text.data(), text.size(), &s))
+        (void)lynd_cpu_percent(cpu_sample{}, s);
+    if_stat st;
+    for (const char* name : {"eth0", "ath12", "a-name-too-long-for-a-field"})
+        (void)lynd_parse_net_dev(text.data(), text.size(), name, &st);
+    return 0;
+}

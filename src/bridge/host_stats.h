@@ -1,0 +1,46 @@
+// Host-side measurements: CPU load and interface counters.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+
+#include "config/lynd_config.h"
+
+// The first line of /proc/stat, in file order.
+struct cpu_sample {
+    uint32_t user, nice, system, idle, iowait, irq, softirq;
+};
+
+// Two slots and a toggle: each call writes one slot, the other holds the
+// previous sample.
+struct cpu_sampler {
+    cpu_sample a;
+    cpu_sample b;
+    uint8_t toggle;
+};
+extern cpu_sampler g_cpu_sampler;
+void lynd_cpu_sampler_reset();
+
+struct if_stat {
+    uint32_t time;
+    uint64_t rx_bytes;
+    uint64_t rx_packets;
+    uint64_t tx_bytes;
+    uint64_t tx_packets;
+};
+
+// Pure: the counters of /proc/stat's first line; false when it does not scan.
+bool lynd_parse_proc_stat(const char* text, size_t len, cpu_sample* out);
+// Pure: busy share in percent between two samples; 0 when nothing moved.
+uint32_t lynd_cpu_percent(const cpu_sample& old_s, const cpu_sample& new_s);
+
+uint32_t lynd_calculate_cpu_occupy();
+int lynd_check_cpu_overload(const lynd_config* conf);
+
+// Pure: the counters of ifname in /proc/net/dev text; the first line that
+// holds "ifname:" wins, even as the tail of a longer name.
+bool lynd_parse_net_dev(const char* text, size_t len, const char* ifname, if_stat* out);
+int lynd_get_if_stat(const char* ifname, if_stat* stat_out);
+
+// Sorts n values in descending order; the count of leading non-zero values
+// (8 bits, it wraps).
+uint8_t lynd_sort_array(uint16_t* values, int n);

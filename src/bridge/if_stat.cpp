@@ -1,0 +1,64 @@
+#include <cinttypes>
+#include <cstdio>
+#include <cstring>
+
+#include "bridge/host_stats.h"
+#include "core/log.h"
+#include "platform/seams.h"
+
+namespace {
+
+constexpr size_t kLineMax = 256;
+constexpr size_t kNetDevMax = 16384;
+
+// The next line of text (at most kLineMax - 1 bytes of it), terminated.
+size_t next_line(const char* text, size_t len, size_t pos, char* line) {
+    size_t end = pos;
+    while (end < len && text[end] != '\n')
+        end++;
+    size_t n = end - pos < kLineMax - 1 ? end - pos : kLineMax - 1;
+    std::memcpy(line, text + pos, n);
+    line[n] = '\0';
+    return end < len ? end + 1 : end;
+}
+
+}  // namespace
+
+bool lynd_parse_net_dev(const char* text, size_t len, const char* ifname, if_stat* out) {
+    char pattern[17];
+    std::snprintf(pattern, sizeof pattern, "%s:", ifname);
+    char line[kLineMax];
+    for (size_t pos = 0; pos < len;) {
+        pos = next_line(text, len, pos, line);
+        const char* at = std::strstr(line, pattern);
+        if (at == nullptr)
+            continue;
+        // A short line still counts as found; what it lacks reads as zero.
+        char rxb[32] = {}, rxp[32] = {}, txb[32] = {}, txp[32] = {};
+        (void)std::sscanf(at, "%*s%31s%31s%*s%*s%*s%*s%*s%*s%31s%31s", rxb, rxp, txb, txp);
+        *out = if_stat{};
+        std::sscanf(rxb, "%" SCNu64, &out->rx_bytes);
+        std::sscanf(rxp, "%" SCNu64, &out->rx_packets);
+        std::sscanf(txb, "%" SCNu64, &out->tx_bytes);
+        std::sscanf(txp, "%" SCNu64, &out->tx_packets);
+        return true;
+    }
+    return false;
+}
+
+int lynd_get_if_stat(const char* ifname, if_stat* stat_out) {
+    if (ifname == nullptr || stat_out == nullptr)
+        return 0;
+    char text[kNetDevMax];
+    long n = lynd::host().read_file("/proc/net/dev", text, sizeof text);
+    if (n < 0) {
+        LYND_ERR("popen cat /proc/net/dev");
+        return 0;
+    }
+    if_stat s{};
+    if (!lynd_parse_net_dev(text, static_cast<size_t>(n), ifname, &s))
+        return 0;
+    s.time = static_cast<uint32_t>(lynd::host().wall_now());
+    *stat_out = s;
+    return 1;
+}
