@@ -32,15 +32,15 @@ struct TimelineEntry {
     std::string data;   // ubus payload (JSON text) or the raw netlink datagram
 };
 
-enum class ExpectKind { LOG_CONTAINS, LOG_ABSENT, EXIT, CALL, FILE_EQUALS };
+enum class ExpectKind { LOG_CONTAINS, LOG_ABSENT, EXIT, CALL, FILE_EQUALS, RUN };
 
 struct Expectation {
     int64_t at_ms = -1;  // -1: at the end of the run
     ExpectKind kind = ExpectKind::LOG_CONTAINS;
-    std::string text;    // log text, call, or file path
+    std::string text;    // log text, bridge call, tool command line, or file path
     std::string equals;  // file content
     int value = 0;       // exit status
-    int count = -1;      // how many log lines or calls; -1: at least one
+    int count = -1;      // how many log lines, calls or runs; -1: at least one
 };
 
 struct Scenario {

@@ -1,93 +1,46 @@
 #include <json-c/json.h>
 
+#include <cctype>
 #include <cstring>
 
+#include "config/config.h"
+#include "sim/json_reader.h"
 #include "sim/netlink_craft.h"
 #include "sim/scenario.h"
-#include "config/config.h"
 
 namespace lynd {
 
 namespace {
 
-constexpr size_t kMaxText = 4096;
-constexpr size_t kMaxItems = 4096;
+constexpr size_t kMaxName = 64;
+constexpr size_t kMaxIfname = 15;
+constexpr size_t kMaxUciPath = 255;
+constexpr size_t kMaxCmdline = 512;
+constexpr size_t kMaxToolOutput = 64 * 1024;
+constexpr size_t kMaxArgs = 64;
+constexpr size_t kMaxScenarioSize = 16 * 1024 * 1024;
 
-// Collects the first problem; later checks become no-ops.
-struct Reader {
-    std::string* error;
-    bool ok = true;
-    bool fail(const std::string& what) {
-        if (ok && error != nullptr)
-            *error = what;
-        ok = false;
-        return false;
-    }
-};
+using Reader = JsonReader;
 
-json_object* member(json_object* obj, const char* key) {
-    json_object* v = nullptr;
-    return json_object_object_get_ex(obj, key, &v) ? v : nullptr;
+std::string quoted(const std::string& s) { return "\"" + s + "\""; }
+
+int hex_digit(char c) {
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
 }
 
-bool is(json_object* v, json_type t) { return v != nullptr && json_object_is_type(v, t); }
-
-bool get_string(Reader& r, json_object* obj, const char* key, std::string* out, size_t max = kMaxText) {
-    json_object* v = member(obj, key);
-    if (v == nullptr)
-        return false;
-    if (!is(v, json_type_string))
-        return r.fail(std::string("\"") + key + "\" must be a string");
-    if (static_cast<size_t>(json_object_get_string_len(v)) > max)
-        return r.fail(std::string("\"") + key + "\" is too long");
-    out->assign(json_object_get_string(v), static_cast<size_t>(json_object_get_string_len(v)));
-    return true;
-}
-
-bool get_int(Reader& r, json_object* obj, const char* key, int64_t lo, int64_t hi, int64_t* out) {
-    json_object* v = member(obj, key);
-    if (v == nullptr)
-        return false;
-    int64_t n = json_object_get_int64(v);
-    if (!is(v, json_type_int) || n < lo || n > hi)
-        return r.fail(std::string("\"") + key + "\" must be a whole number from " + std::to_string(lo) + " to " +
-                      std::to_string(hi));
-    *out = n;
-    return true;
-}
-
-// UCI values are text; numbers and booleans stand for their JSON spelling.
-std::string value_text(json_object* v) {
-    return is(v, json_type_string) ? json_object_get_string(v) : json_object_to_json_string(v);
-}
-
-json_object* array_member(Reader& r, json_object* obj, const char* key) {
-    json_object* v = member(obj, key);
-    if (v == nullptr)
-        return nullptr;
-    if (!is(v, json_type_array) || json_object_array_length(v) > kMaxItems) {
-        r.fail(std::string("\"") + key + "\" must be an array of at most " + std::to_string(kMaxItems) + " items");
-        return nullptr;
-    }
-    return v;
-}
-
-json_object* object_member(Reader& r, json_object* obj, const char* key) {
-    json_object* v = member(obj, key);
-    if (v != nullptr && !is(v, json_type_object)) {
-        r.fail(std::string("\"") + key + "\" must be an object");
-        return nullptr;
-    }
-    return v;
-}
-
+// Exactly "xx:xx:xx:xx:xx:xx".
 bool parse_mac(const std::string& text, uint8_t* mac) {
-    unsigned b[6];
-    char tail;
-    if (std::sscanf(text.c_str(), "%2x:%2x:%2x:%2x:%2x:%2x%c", &b[0], &b[1], &b[2], &b[3], &b[4], &b[5], &tail) != 6)
+    if (text.size() != 17)
         return false;
-    for (int i = 0; i < 6; i++)
-        mac[i] = static_cast<uint8_t>(b[i]);
+    for (size_t i = 0; i < 6; i++) {
+        int hi = hex_digit(text[i * 3]), lo = hex_digit(text[i * 3 + 1]);
+        if (hi < 0 || lo < 0 || (i < 5 && text[i * 3 + 2] != ':'))
+            return false;
+        mac[i] = static_cast<uint8_t>(hi * 16 + lo);
+    }
     return true;
 }
 
@@ -97,14 +50,14 @@ void parse_interfaces(Reader& r, json_object* list, Scenario* out) {
         SimInterface iface;
         int64_t idx = 0;
         std::string mac;
-        if (!is(o, json_type_object) || !get_string(r, o, "name", &iface.name, 15) ||
-            !get_int(r, o, "ifindex", 1, 0xffff, &idx)) {
-            r.fail("each interface needs a \"name\" of at most 15 characters and an \"ifindex\"");
+        if (!json_is(o, json_type_object) || !json_get_string(r, o, "name", &iface.name, kMaxIfname) ||
+            !json_get_int(r, o, "ifindex", 1, 0xffff, &idx)) {
+            r.fail("each interface needs a \"name\" of at most 15 characters and an \"ifindex\" from 1 to 65535");
             return;
         }
         iface.ifindex = static_cast<unsigned>(idx);
-        if (get_string(r, o, "mac", &mac) && !parse_mac(mac, iface.mac))
-            r.fail("bad \"mac\" of interface " + iface.name);
+        if (json_get_string(r, o, "mac", &mac) && !parse_mac(mac, iface.mac))
+            r.fail("bad \"mac\" of interface " + iface.name + " (xx:xx:xx:xx:xx:xx)");
         out->interfaces.push_back(iface);
     }
 }
@@ -113,16 +66,15 @@ void parse_bridges(Reader& r, json_object* list, Scenario* out) {
     for (size_t i = 0; list != nullptr && r.ok && i < json_object_array_length(list); i++) {
         json_object* o = json_object_array_get_idx(list, i);
         ScenarioBridge br;
-        if (!is(o, json_type_object) || !get_string(r, o, "name", &br.name, 15)) {
+        if (!json_is(o, json_type_object) || !json_get_string(r, o, "name", &br.name, kMaxIfname)) {
             r.fail("each bridge needs a \"name\" of at most 15 characters");
             return;
         }
-        if (json_object* a = member(o, "active"))
-            br.active = json_object_get_boolean(a);
-        json_object* ports = array_member(r, o, "ports");
+        (void)json_get_bool(r, o, "active", &br.active);
+        json_object* ports = json_array_member(r, o, "ports");
         for (size_t p = 0; ports != nullptr && p < json_object_array_length(ports); p++) {
             json_object* port = json_object_array_get_idx(ports, p);
-            if (!is(port, json_type_string) || json_object_get_string_len(port) > 15) {
+            if (!json_is(port, json_type_string) || json_object_get_string_len(port) > static_cast<int>(kMaxIfname)) {
                 r.fail("ports of bridge " + br.name + " must be interface names");
                 return;
             }
@@ -132,50 +84,76 @@ void parse_bridges(Reader& r, json_object* list, Scenario* out) {
     }
 }
 
-void parse_node(Reader& r, json_object* node, Scenario* out) {
-    if (json_object* uci = object_member(r, node, "uci")) {
-        json_object_object_foreach(uci, key, val) out->uci[key] = value_text(val);
+// UCI holds text; numbers and booleans stand for their JSON spelling.
+void parse_uci(Reader& r, json_object* uci, Scenario* out) {
+    json_object_object_foreach(uci, path, val) {
+        bool scalar = json_is(val, json_type_string) || json_is(val, json_type_int) ||
+                      json_is(val, json_type_double) || json_is(val, json_type_boolean);
+        if (std::strlen(path) > kMaxUciPath || !scalar) {
+            r.fail("uci " + quoted(path) + " needs a path of at most 255 characters and a string, number or boolean");
+            return;
+        }
+        std::string text = json_is(val, json_type_string) ? json_object_get_string(val) : json_object_to_json_string(val);
+        if (text.size() > kJsonMaxText) {
+            r.fail("uci value of " + quoted(path) + " is too long");
+            return;
+        }
+        out->uci[path] = text;
     }
-    if (json_object* tools = object_member(r, node, "tools")) {
+}
+
+void parse_tool(Reader& r, const char* cmdline, json_object* val, ScenarioTool* t) {
+    t->cmdline = cmdline;
+    int64_t status = 0;
+    if (t->cmdline.empty() || t->cmdline.size() > kMaxCmdline) {
+        r.fail("a tool's command line must have 1 to " + std::to_string(kMaxCmdline) + " characters");
+    } else if (json_is(val, json_type_string)) {
+        t->output = json_object_get_string(val);
+        if (t->output.size() > kMaxToolOutput)
+            r.fail("output of tool " + quoted(t->cmdline) + " is too long");
+    } else if (json_is(val, json_type_object)) {
+        (void)json_get_string(r, val, "output", &t->output, kMaxToolOutput);
+        if (json_get_int(r, val, "status", 0, 255, &status))
+            t->status = static_cast<int>(status);
+    } else {
+        r.fail("tool " + quoted(t->cmdline) + " needs an output string or {\"output\", \"status\"}");
+    }
+}
+
+void parse_node(Reader& r, json_object* node, Scenario* out) {
+    if (json_object* uci = json_object_member(r, node, "uci"))
+        parse_uci(r, uci, out);
+    if (json_object* tools = json_object_member(r, node, "tools")) {
         json_object_object_foreach(tools, cmdline, val) {
-            ScenarioTool t{cmdline, "", 0};
-            int64_t status = 0;
-            if (is(val, json_type_string))
-                t.output = json_object_get_string(val);
-            else if (!is(val, json_type_object))
-                r.fail("tool \"" + t.cmdline + "\" needs an output string or {\"output\", \"status\"}");
-            else {
-                get_string(r, val, "output", &t.output);
-                if (get_int(r, val, "status", 0, 255, &status))
-                    t.status = static_cast<int>(status);
-            }
+            ScenarioTool t;
+            parse_tool(r, cmdline, val, &t);
             out->tools.push_back(t);
         }
     }
-    if (json_object* failures = object_member(r, node, "bridge_failures")) {
+    if (json_object* failures = json_object_member(r, node, "bridge_failures")) {
         json_object_object_foreach(failures, call, val) {
-            if (!is(val, json_type_int))
+            if (!json_is(val, json_type_int))
                 r.fail(std::string("bridge failure of ") + call + " must be a whole number");
             out->bridge_failures[call] = json_object_get_int(val);
         }
     }
-    parse_interfaces(r, array_member(r, node, "interfaces"), out);
-    parse_bridges(r, array_member(r, node, "bridges"), out);
+    parse_interfaces(r, json_array_member(r, node, "interfaces"), out);
+    parse_bridges(r, json_array_member(r, node, "bridges"), out);
 }
 
 void parse_timeline_entry(Reader& r, json_object* o, const Scenario& sc, TimelineEntry* e) {
     std::string ifname;
-    if (json_object* data = member(o, "data"); get_string(r, o, "ubus", &e->name)) {
+    if (json_object* data = json_member(o, "data"); json_get_string(r, o, "ubus", &e->name, kMaxName)) {
         e->kind = TimelineKind::UBUS;
         e->data = data == nullptr ? "{}" : json_object_to_json_string_ext(data, JSON_C_TO_STRING_PLAIN);
-        if (data != nullptr && !is(data, json_type_object))
+        if (data != nullptr && !json_is(data, json_type_object))
             r.fail("\"data\" of a ubus event must be an object");
-    } else if (json_object* nl = object_member(r, o, "netlink")) {
+    } else if (json_object* nl = json_object_member(r, o, "netlink")) {
         e->kind = TimelineKind::NETLINK;
         std::string problem;
         if (!craft_bridge_datagram(nl, &e->data, &problem))
             r.fail("netlink entry: " + problem);
-    } else if (get_string(r, o, "station_expired", &ifname, 15)) {
+    } else if (json_get_string(r, o, "station_expired", &ifname, kMaxIfname)) {
         e->kind = TimelineKind::STATION_EXPIRED;
         e->name = ifname;
         bool known = false;
@@ -193,7 +171,7 @@ void parse_timeline(Reader& r, json_object* list, Scenario* out) {
         json_object* o = json_object_array_get_idx(list, i);
         TimelineEntry e;
         int64_t at = 0;
-        if (!is(o, json_type_object) || !get_int(r, o, "at", 0, out->duration_s, &at)) {
+        if (!json_is(o, json_type_object) || !json_get_int(r, o, "at", 0, out->duration_s, &at)) {
             r.fail("timeline entry " + std::to_string(i) + " needs an \"at\" within the duration");
             return;
         }
@@ -205,23 +183,25 @@ void parse_timeline(Reader& r, json_object* list, Scenario* out) {
 
 void parse_expectation(Reader& r, json_object* o, Expectation* e) {
     int64_t n = 0;
-    if (get_string(r, o, "log_contains", &e->text)) {
+    if (json_get_string(r, o, "log_contains", &e->text)) {
         e->kind = ExpectKind::LOG_CONTAINS;
-    } else if (get_string(r, o, "log_absent", &e->text)) {
+    } else if (json_get_string(r, o, "log_absent", &e->text)) {
         e->kind = ExpectKind::LOG_ABSENT;
-    } else if (get_string(r, o, "call", &e->text)) {
+    } else if (json_get_string(r, o, "call", &e->text)) {
         e->kind = ExpectKind::CALL;
-    } else if (get_string(r, o, "file", &e->text)) {
+    } else if (json_get_string(r, o, "run", &e->text, kMaxCmdline)) {
+        e->kind = ExpectKind::RUN;
+    } else if (json_get_string(r, o, "file", &e->text)) {
         e->kind = ExpectKind::FILE_EQUALS;
-        if (!get_string(r, o, "equals", &e->equals))
+        if (!json_get_string(r, o, "equals", &e->equals, kMaxToolOutput))
             r.fail("a \"file\" expectation needs \"equals\"");
-    } else if (get_int(r, o, "exit", 0, 255, &n)) {
+    } else if (json_get_int(r, o, "exit", 0, 255, &n)) {
         e->kind = ExpectKind::EXIT;
         e->value = static_cast<int>(n);
     } else if (r.ok) {
-        r.fail("expectation of an unknown kind (log_contains, log_absent, call, file, exit)");
+        r.fail("expectation of an unknown kind (log_contains, log_absent, call, run, file, exit)");
     }
-    if (get_int(r, o, "count", 0, 1000000, &n))
+    if (json_get_int(r, o, "count", 0, 1000000, &n))
         e->count = static_cast<int>(n);
 }
 
@@ -230,11 +210,11 @@ void parse_expect(Reader& r, json_object* list, Scenario* out) {
         json_object* o = json_object_array_get_idx(list, i);
         Expectation e;
         int64_t at = 0;
-        if (!is(o, json_type_object)) {
+        if (!json_is(o, json_type_object)) {
             r.fail("expectation " + std::to_string(i) + " must be an object");
             return;
         }
-        if (get_int(r, o, "at", 0, out->duration_s, &at))
+        if (json_get_int(r, o, "at", 0, out->duration_s, &at))
             e.at_ms = at * 1000;
         parse_expectation(r, o, &e);
         if (e.kind == ExpectKind::EXIT && e.at_ms >= 0)
@@ -243,28 +223,70 @@ void parse_expect(Reader& r, json_object* list, Scenario* out) {
     }
 }
 
+void parse_args(Reader& r, json_object* args, Scenario* out) {
+    size_t n = args == nullptr ? 0 : json_object_array_length(args);
+    if (n > kMaxArgs)
+        r.fail("\"args\" holds more than " + std::to_string(kMaxArgs) + " arguments");
+    for (size_t i = 0; r.ok && i < n; i++) {
+        json_object* a = json_object_array_get_idx(args, i);
+        if (!json_is(a, json_type_string) || static_cast<size_t>(json_object_get_string_len(a)) > kJsonMaxText)
+            r.fail("\"args\" must be strings of at most " + std::to_string(kJsonMaxText) + " characters");
+        else
+            out->args.emplace_back(json_object_get_string(a));
+    }
+}
+
 void parse_top(Reader& r, json_object* root, Scenario* out) {
-    get_string(r, root, "name", &out->name, 64);
-    get_int(r, root, "duration", 0, 7 * 24 * 3600, &out->duration_s);
-    get_int(r, root, "seed", INT32_MIN, INT32_MAX, &out->seed);
-    if (json_object* config = object_member(r, root, "config")) {
+    json_get_string(r, root, "name", &out->name, kMaxName);
+    json_get_int(r, root, "duration", 0, 7 * 24 * 3600, &out->duration_s);
+    json_get_int(r, root, "seed", INT32_MIN, INT32_MAX, &out->seed);
+    if (json_object* config = json_object_member(r, root, "config")) {
         out->has_config = true;
         out->config_text = json_object_to_json_string_ext(config, JSON_C_TO_STRING_PRETTY);
         if (out->config_text.size() > LYND_CONFIG_MAX_SIZE)
             r.fail("\"config\" is larger than the daemon reads");
     }
-    json_object* args = array_member(r, root, "args");
-    for (size_t i = 0; args != nullptr && r.ok && i < json_object_array_length(args); i++) {
-        json_object* a = json_object_array_get_idx(args, i);
-        if (!is(a, json_type_string))
-            r.fail("\"args\" must be strings");
-        else
-            out->args.emplace_back(json_object_get_string(a));
-    }
-    if (json_object* node = object_member(r, root, "node"))
+    parse_args(r, json_array_member(r, root, "args"), out);
+    if (json_object* node = json_object_member(r, root, "node"))
         parse_node(r, node, out);
-    parse_timeline(r, array_member(r, root, "timeline"), out);
-    parse_expect(r, array_member(r, root, "expect"), out);
+    parse_timeline(r, json_array_member(r, root, "timeline"), out);
+    parse_expect(r, json_array_member(r, root, "expect"), out);
+}
+
+bool only_blanks(const char* text, size_t from, size_t len) {
+    for (size_t i = from; i < len; i++)
+        if (!std::isspace(static_cast<unsigned char>(text[i])))
+            return false;
+    return true;
+}
+
+// The document's root, or null with the reason recorded.
+json_object* parse_root(Reader& r, const char* text, size_t len) {
+    if (len > kMaxScenarioSize) {
+        r.fail("larger than " + std::to_string(kMaxScenarioSize) + " bytes");
+        return nullptr;
+    }
+    json_tokener* tok = json_tokener_new();
+    if (tok == nullptr) {
+        r.fail("out of memory");
+        return nullptr;
+    }
+    json_object* root = json_tokener_parse_ex(tok, text, static_cast<int>(len));
+    json_tokener_error err = json_tokener_get_error(tok);
+    size_t end = json_tokener_get_parse_end(tok);
+    json_tokener_free(tok);
+    if (root == nullptr || err != json_tokener_success) {
+        const char* why = err == json_tokener_continue ? "unexpected end of text" : json_tokener_error_desc(err);
+        r.fail(std::string("not a JSON object: ") + why);
+    } else if (!json_is(root, json_type_object)) {
+        r.fail("not a JSON object: the scenario must be { ... }");
+    } else if (!only_blanks(text, end, len)) {
+        r.fail("not a JSON object: text after its end");
+    } else {
+        return root;
+    }
+    json_object_put(root);
+    return nullptr;
 }
 
 }  // namespace
@@ -272,24 +294,15 @@ void parse_top(Reader& r, json_object* root, Scenario* out) {
 bool scenario_parse(const char* text, size_t len, Scenario* out, std::string* error) {
     *out = Scenario{};
     Reader r{error};
-    json_tokener* tok = json_tokener_new();
-    json_object* root = nullptr;
-    bool complete = false;
-    if (tok != nullptr && len <= 16 * 1024 * 1024) {
-        root = json_tokener_parse_ex(tok, text, static_cast<int>(len));
-        complete = json_tokener_get_error(tok) == json_tokener_success;
-    }
-    json_tokener_free(tok);
-    if (root == nullptr || !complete || !is(root, json_type_object))
-        r.fail("not a JSON object");
-    else
+    if (json_object* root = parse_root(r, text, len)) {
         parse_top(r, root, out);
-    json_object_put(root);
+        json_object_put(root);
+    }
     return r.ok;
 }
 
 std::string describe(const Expectation& e) {
-    static const char* const kinds[] = {"log_contains", "log_absent", "exit", "call", "file"};
+    static const char* const kinds[] = {"log_contains", "log_absent", "exit", "call", "file", "run"};
     std::string s = kinds[static_cast<int>(e.kind)];
     s += e.kind == ExpectKind::EXIT ? " " + std::to_string(e.value) : " \"" + e.text + "\"";
     if (e.count >= 0)

@@ -28,6 +28,7 @@ public:
     void set_file(const std::string& path, const std::string& content);
     bool has_file(const std::string& path) const;
     std::string file(const std::string& path) const;
+    const std::map<std::string, std::string>& files() const { return files_; }
     // Virtual time for the clocks; without a loop they stand at zero.
     void set_clock(SimLoop* loop) { clock_ = loop; }
     // Log lines are also copied to standard error when echo is on.

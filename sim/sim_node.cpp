@@ -93,6 +93,9 @@ ExpectResult SimNode::judge(const Expectation& e, int exit_status) const {
     case ExpectKind::CALL:
         n = static_cast<size_t>(std::count(bridge_.calls().begin(), bridge_.calls().end(), e.text));
         break;
+    case ExpectKind::RUN:
+        n = static_cast<size_t>(std::count(host_.runs().begin(), host_.runs().end(), e.text));
+        break;
     case ExpectKind::EXIT:
         r.passed = exit_status == e.value;
         r.why = "exit status " + std::to_string(exit_status);

@@ -1,7 +1,14 @@
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 #include "sim/scenario.h"
 #include "sim/sim_node.h"
+#include "sim/state_dir.h"
 #include "sim_fixture.h"
 
 namespace {
@@ -18,7 +25,8 @@ TEST(ScenarioParse, DefaultsAndNode) {
     ASSERT_TRUE(parse(R"({"node": {"uci": {"a.b.c": "x", "a.b.n": 5, "a.b.t": true},
         "tools": {"iwpriv wifi0 dbdc_enable 0": "", "wpa_cli x": {"output": "OK", "status": 2}},
         "interfaces": [{"name": "ath12", "ifindex": 12, "mac": "02:00:00:00:01:12"}],
-        "bridges": [{"name": "br-lan", "active": false, "ports": ["ath12"]}]}})",
+        "bridges": [{"name": "br-lan", "active": false, "ports": ["ath12"]}]},
+        "expect": [{"run": "wpa_cli x", "count": 2}]})",
                       &sc, &error))
         << error;
     EXPECT_EQ(60, sc.duration_s);
@@ -29,6 +37,10 @@ TEST(ScenarioParse, DefaultsAndNode) {
     EXPECT_EQ(2, sc.tools[1].status);
     EXPECT_EQ(0x12, sc.interfaces[0].mac[5]);
     EXPECT_FALSE(sc.bridges[0].active);
+    ASSERT_EQ(1u, sc.expect.size());
+    EXPECT_EQ(lynd::ExpectKind::RUN, sc.expect[0].kind);
+    EXPECT_EQ(-1, sc.expect[0].at_ms);
+    EXPECT_EQ("run \"wpa_cli x\" count 2", lynd::describe(sc.expect[0]));
 }
 
 TEST(ScenarioParse, BadInputIsNamed) {
@@ -46,6 +58,18 @@ TEST(ScenarioParse, BadInputIsNamed) {
         {R"({"expect": [{"exit": 0, "at": 3}]})", "has no \"at\""},
         {R"({"expect": [{"file": "/tmp/x"}]})", "needs \"equals\""},
         {R"({"expect": [{"log_contains": 3}]})", "must be a string"},
+        {R"({"expect": [{"uci_write": "a.b.c"}]})", "unknown kind"},
+        {R"({} trailing)", "text after its end"},
+        {R"({"name": "a name that is far too long to fit in a report line, and goes on and on"})", "too long"},
+        {R"({"node": {"uci": {"a.b.c": {"x": 1}}}})", "string, number or boolean"},
+        {R"({"node": {"uci": {"a.b.c": null}}})", "string, number or boolean"},
+        {R"({"node": {"tools": {"apstats": 3}}})", "needs an output string"},
+        {R"({"node": {"tools": {"apstats": {"output": "", "status": 256}}}})", "\"status\""},
+        {R"({"node": {"tools": {"": ""}}})", "command line must have"},
+        {R"({"node": {"bridges": [{"name": "br-lan", "active": "yes"}]}})", "true or false"},
+        {R"({"node": {"interfaces": [{"name": "a", "ifindex": 3, "mac": "02-00-00-00-01-12"}]}})", "bad \"mac\""},
+        {R"({"node": {"interfaces": [{"name": "a", "ifindex": 3, "mac": "02:00:00:00:01:1g"}]}})", "bad \"mac\""},
+        {R"({"node": {"interfaces": [{"name": "a", "ifindex": 0}]}})", "\"ifindex\""},
     };
     for (const auto& c : cases) {
         Scenario sc;
@@ -53,6 +77,19 @@ TEST(ScenarioParse, BadInputIsNamed) {
         EXPECT_FALSE(parse(c.first, &sc, &error)) << c.first;
         EXPECT_NE(std::string::npos, error.find(c.second)) << c.first << " -> " << error;
     }
+}
+
+TEST(ScenarioParse, OverlongArgumentListsAndToolOutputsAreRefused) {
+    std::string args = R"({"args": [)";
+    for (int i = 0; i < 65; i++)
+        args += i == 0 ? "\"-l\"" : ", \"-l\"";
+    const std::string output(64 * 1024 + 1, 'x');
+    Scenario sc;
+    std::string error;
+    EXPECT_FALSE(parse(args + "]}", &sc, &error));
+    EXPECT_NE(std::string::npos, error.find("more than 64")) << error;
+    EXPECT_FALSE(parse(R"({"node": {"tools": {"apstats": ")" + output + "\"}}}", &sc, &error));
+    EXPECT_NE(std::string::npos, error.find("too long")) << error;
 }
 
 TEST(ScenarioParse, NetlinkEntriesBecomeDatagrams) {
@@ -81,7 +118,8 @@ TEST(SimNodeRun, ExpectationsJudgeWhatHappened) {
         "expect": [{"at": 5, "call": "bridgeSetEventInfo br0 4242 3 25", "count": 1},
                    {"at": 15, "call": "bridgeSetEventInfo br0 4242 3 25", "count": 1},
                    {"log_contains": "never said"}, {"log_absent": "init done"},
-                   {"file": "/etc/lynd.json", "equals": "{}"}, {"exit": 1}]})",
+                   {"file": "/etc/lynd.json", "equals": "{}"}, {"exit": 1},
+                   {"run": "iwpriv wifi0 dbdc_enable 0", "count": 1}]})",
                       &sc, &error))
         << error;
     const lynd::Seams saved = lynd::installed_seams();
@@ -90,12 +128,40 @@ TEST(SimNodeRun, ExpectationsJudgeWhatHappened) {
     lynd::install_seams(saved);
     EXPECT_EQ(0, o.exit_status);
     EXPECT_EQ(30000, o.virtual_ms);
-    ASSERT_EQ(6u, o.results.size());
+    ASSERT_EQ(7u, o.results.size());
     std::string verdicts;
     for (const auto& r : o.results)
         verdicts += r.passed ? "P" : "F";
-    EXPECT_EQ("PFFFFF", verdicts);
+    EXPECT_EQ("PFFFFFP", verdicts);
     EXPECT_EQ(5u, o.failed());
+}
+
+// The node's files land below the chosen directory and nowhere else.
+TEST(StateDir, PathsStayBelowTheDirectory) {
+    EXPECT_EQ("out/tmp/hybr_broadcast_port", lynd::state_path("out", "/tmp/hybr_broadcast_port"));
+    EXPECT_EQ("out/tmp/x", lynd::state_path("out", "//tmp/./x"));
+    EXPECT_EQ("", lynd::state_path("out", "/tmp/../../etc/passwd"));
+    EXPECT_EQ("", lynd::state_path("out", "/"));
+}
+
+TEST(StateDir, WritesTheNodesFilesAndRefusesAnEscape) {
+    char dir[] = "/tmp/lynd_state_XXXXXX";
+    ASSERT_NE(nullptr, mkdtemp(dir));
+    lynd::SimHost host;
+    host.set_file("/tmp/hybr_broadcast_port", "ath02\n");
+    std::string error;
+    ASSERT_TRUE(lynd::write_state_dir(host, std::string(dir) + "/out", &error)) << error;
+    std::ifstream in(std::string(dir) + "/out/tmp/hybr_broadcast_port");
+    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_EQ("ath02\n", text);
+
+    host.set_file("/../escape", "x");
+    EXPECT_FALSE(lynd::write_state_dir(host, std::string(dir) + "/out", &error));
+    EXPECT_NE(std::string::npos, error.find("/../escape")) << error;
+    std::remove((std::string(dir) + "/out/tmp/hybr_broadcast_port").c_str());
+    rmdir((std::string(dir) + "/out/tmp").c_str());
+    rmdir((std::string(dir) + "/out").c_str());
+    rmdir(dir);
 }
 
 }  // namespace

@@ -69,6 +69,28 @@ TEST_F(SimLoopTest, PeriodicTimerRunsUntilTheStopTime) {
     EXPECT_FALSE(p.t.pending);
 }
 
+// A handler may arm a timer due at once and cancel one due later; both take
+// effect within the same run.
+Named* g_armed;
+Named* g_cancelled;
+void arm_and_cancel(lynd::LoopTimer*) {
+    g_fired.push_back("x@" + std::to_string(g_loop->now_ms()));
+    g_loop->timer_set(&g_armed->t, 0);
+    g_loop->timer_cancel(&g_cancelled->t);
+}
+
+TEST_F(SimLoopTest, HandlersMayArmAndCancelOtherTimers) {
+    Named now = make("now"), later = make("later");
+    lynd::LoopTimer x{arm_and_cancel};
+    g_armed = &now;
+    g_cancelled = &later;
+    loop.timer_set(&x, 100);
+    loop.timer_set(&later.t, 100);  // same expiry, armed after x
+    loop.advance(500);
+    EXPECT_EQ((std::vector<std::string>{"x@100", "now@100"}), g_fired);
+    EXPECT_FALSE(later.t.pending);
+}
+
 void ender(lynd::LoopTimer*) { g_loop->end(); }
 
 TEST_F(SimLoopTest, EndStopsTheRunAtOnce) {
