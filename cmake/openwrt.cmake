@@ -1,4 +1,8 @@
-# The device build: compiled when libubox, libubus and libuci are found.
+# The device build: compiled when libubox, libubus and libuci are found
+# (CMAKE_PREFIX_PATH or the SDK's staging directory).
+if(NOT LYND_OPENWRT MATCHES "^(AUTO|ON|OFF)$")
+  message(FATAL_ERROR "LYND_OPENWRT must be AUTO, ON or OFF, not '${LYND_OPENWRT}'")
+endif()
 if(LYND_OPENWRT STREQUAL "OFF")
   return()
 endif()
@@ -10,12 +14,17 @@ find_library(UBUS_LIBRARY ubus)
 find_path(UCI_INCLUDE_DIR uci.h)
 find_library(UCI_LIBRARY uci)
 
-if(NOT UBOX_INCLUDE_DIR OR NOT UBOX_LIBRARY OR NOT UBUS_INCLUDE_DIR OR NOT UBUS_LIBRARY
-   OR NOT UCI_INCLUDE_DIR OR NOT UCI_LIBRARY)
-  if(LYND_OPENWRT STREQUAL "ON")
-    message(FATAL_ERROR "LYND_OPENWRT=ON but libubox, libubus or libuci was not found")
+set(LYND_OPENWRT_MISSING "")
+foreach(var UBOX_INCLUDE_DIR UBOX_LIBRARY UBUS_INCLUDE_DIR UBUS_LIBRARY UCI_INCLUDE_DIR UCI_LIBRARY)
+  if(NOT ${var})
+    list(APPEND LYND_OPENWRT_MISSING ${var})
   endif()
-  message(STATUS "OpenWrt libraries not found: the device binary is not built")
+endforeach()
+if(LYND_OPENWRT_MISSING)
+  if(LYND_OPENWRT STREQUAL "ON")
+    message(FATAL_ERROR "LYND_OPENWRT=ON but not found: ${LYND_OPENWRT_MISSING} (set CMAKE_PREFIX_PATH)")
+  endif()
+  message(STATUS "libubox, libubus or libuci not found: the device build is skipped")
   return()
 endif()
 
@@ -26,25 +35,26 @@ add_library(lynd_openwrt STATIC ${LYND_OPENWRT_SOURCES})
 target_include_directories(lynd_openwrt PUBLIC ${UBOX_INCLUDE_DIR} ${UBUS_INCLUDE_DIR} ${UCI_INCLUDE_DIR})
 target_link_libraries(lynd_openwrt PUBLIC lynd_daemon ${UBUS_LIBRARY} ${UCI_LIBRARY} ${UBOX_LIBRARY})
 
-# The vendor bridge library only exists in the vendor's SDK; without it the
-# entry still compiles, but there is nothing to link the binary against.
+# libkrel only exists in the vendor's SDK. Without it the entry is still
+# compiled, so a PC build checks it, but there is nothing to link against.
 find_library(KREL_LIBRARY krel)
 if(KREL_LIBRARY)
   add_executable(lynd ${LYND_OPENWRT_DIR}/main.cpp)
   target_link_libraries(lynd PRIVATE lynd_openwrt ${KREL_LIBRARY})
-  set_target_properties(lynd PROPERTIES ENABLE_EXPORTS ON)  # libkrel reads g_dgb_lvl
+  # libkrel reads g_dgb_lvl from the executable.
+  set_target_properties(lynd PROPERTIES ENABLE_EXPORTS ON)
   install(TARGETS lynd RUNTIME DESTINATION sbin)
 else()
   add_library(lynd_device_main OBJECT ${LYND_OPENWRT_DIR}/main.cpp)
   target_link_libraries(lynd_device_main PRIVATE lynd_openwrt)
-  message(STATUS "libkrel not found: the device adapters are compiled, the lynd binary is not linked")
+  message(STATUS "libkrel not found: lynd_openwrt is built; the lynd executable needs libkrel to link and is skipped")
 endif()
 
 if(LYND_TESTS)
   file(GLOB LYND_OPENWRT_TESTS CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/openwrt/*.cpp)
   add_executable(lynd_openwrt_tests ${LYND_OPENWRT_TESTS})
   target_include_directories(lynd_openwrt_tests PRIVATE ${CMAKE_SOURCE_DIR})
-  target_link_libraries(lynd_openwrt_tests PRIVATE lynd_openwrt lynd_sim ${UBOX_LIBRARY} GTest::gtest GTest::gtest_main)
+  target_link_libraries(lynd_openwrt_tests PRIVATE lynd_openwrt lynd_sim GTest::gtest GTest::gtest_main)
   gtest_discover_tests(lynd_openwrt_tests DISCOVERY_TIMEOUT 60)
 endif()
 if(LYND_FUZZ)

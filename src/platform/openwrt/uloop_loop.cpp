@@ -4,16 +4,27 @@
 
 namespace lynd {
 
-int UloopLoop::init() {
-    timeout_ = Timeout{};
+UloopLoop::UloopLoop() {
     timeout_.t.cb = on_timeout;
     timeout_.self = this;
-    return uloop_init();
+}
+
+int UloopLoop::init() {
+    if (uloop_init() != 0)
+        return -1;
+    rearm();  // timers armed before the loop existed
+    return 0;
 }
 
 void UloopLoop::done() {
     uloop_timeout_cancel(&timeout_.t);
     timers_.clear();
+    // uloop_done() drops the poller, and every watch with it.
+    for (Watch& w : watches_) {
+        if (w.owner != nullptr)
+            w.owner->registered = false;
+        w = Watch{};
+    }
     uloop_done();
 }
 
@@ -52,10 +63,12 @@ int64_t UloopLoop::timer_remaining(const LoopTimer* t) {
     return left > 0 ? left : 0;
 }
 
+// One timer per pass: a handler that re-arms itself at 0 ms cannot spin
+// here, and the fds get their turn before the next due timer runs.
 void UloopLoop::on_timeout(uloop_timeout* t) {
     UloopLoop* self = reinterpret_cast<Timeout*>(t)->self;
-    int64_t now = self->now_ms();
-    while (LoopTimer* due = self->timers_.pop_due(now))
+    LoopTimer* due = self->timers_.pop_due(self->now_ms());
+    if (due != nullptr)
         due->cb(due);
     self->rearm();
 }
@@ -68,24 +81,35 @@ UloopLoop::Watch* UloopLoop::find_watch(const LoopFd* f) {
 }
 
 int UloopLoop::fd_add(LoopFd* f, unsigned events) {
-    Watch* w = find_watch(f);
-    if (w == nullptr)
-        w = find_watch(nullptr);
-    if (w == nullptr)
-        return -1;
-    w->owner = f;
-    w->ufd = uloop_fd{};
-    w->ufd.fd = f->fd;
-    w->ufd.cb = on_fd;
     unsigned int flags = 0;
     if (events & LOOP_FD_READ)
         flags |= ULOOP_READ;
     if (events & LOOP_FD_WRITE)
         flags |= ULOOP_WRITE;
-    if (uloop_fd_add(&w->ufd, flags) != 0) {
+    // uloop takes no events as a delete.
+    if (flags == 0)
+        return -1;
+    Watch* w = find_watch(f);
+    // A socket rebuilt under the same watch needs a fresh registration.
+    if (w != nullptr && w->ufd.fd != f->fd) {
+        (void)uloop_fd_delete(&w->ufd);
         w->owner = nullptr;
+        w = nullptr;
+    }
+    if (w == nullptr) {
+        w = find_watch(nullptr);
+        if (w == nullptr)
+            return -1;
+        w->ufd = uloop_fd{};
+        w->ufd.fd = f->fd;
+        w->ufd.cb = on_fd;
+    }
+    if (uloop_fd_add(&w->ufd, flags) != 0) {
+        if (!w->ufd.registered)
+            w->owner = nullptr;
         return -1;
     }
+    w->owner = f;
     f->registered = true;
     return 0;
 }

@@ -12,6 +12,8 @@ namespace lynd {
 
 class UloopLoop : public Loop {
 public:
+    UloopLoop();
+
     int init() override;
     void done() override;
     int timer_set(LoopTimer* t, int msecs) override;
@@ -33,6 +35,7 @@ private:
         uloop_fd ufd;
         LoopFd* owner;
     };
+    // The daemon watches two netlink sockets; ubus keeps its own uloop_fd.
     static constexpr int kMaxWatches = 8;
 
     static void on_timeout(uloop_timeout* t);
