@@ -1,8 +1,10 @@
 #include <string>
+#include <vector>
 
-#include "config/config.h"
 #include "conf_builder.h"
+#include "config/config.h"
 #include "sim_fixture.h"
+#include "wlan/wlan_platform.h"
 
 namespace {
 
@@ -11,25 +13,26 @@ protected:
     void SetUp() override {
         SimNodeTest::SetUp();
         add_bridge(conf, "br-lan", BR_FLAG_LOOP_AVOIDANCE | BR_FLAG_PATH_SELECTION);
-        conf_interface& eth = add_iface(conf, "eth1", IF_TYPE_ETH);
-        eth.ts_vlan_id = 20;
+        add_bridge(conf, "br-guest", 0);
+        add_iface(conf, "eth1", IF_TYPE_ETH).ts_vlan_id = 20;
         conf.param.period = 6000;
         conf.param.low_threshold = 60;
-        conf.ts.enable = true;
-        conf.ts.primary_vlan = 3;
-        conf.ts.policy_count = 1;
-        conf.ts.vlan_count = 1;
+        conf.ts = conf_ts{true, 3, 1, {}, 1, {20}};
         conf.ts.policies[0] = ts_policy{20, "guest $(reboot)", true};
     }
     lynd_config conf{};
 };
 
-TEST_F(ConfigDumpTest, DumpShowsEverySectionAtInfo) {
+TEST_F(ConfigDumpTest, DumpShowsEverySectionAtInfoOnly) {
+    g_lynd_dgb_lvl = 2;
+    config_dump(&conf);
+    EXPECT_TRUE(host.console_lines().empty());
     g_lynd_dgb_lvl = 3;
     config_dump(&conf);
     const std::vector<std::string> want = {
         "Bridges:",
         "br-lan ==> flags: 3, loop_avoidance: 1, path_selection: 1",
+        "br-guest ==> flags: 0, loop_avoidance: 0, path_selection: 0",
         "Interfaces:",
         "eth1 ==>type: 0, compat_group: 255, relay: 1, ts_vap:0, ts_vlan:0, ts_vid:20, support_ts:0 if_class:0",
         "Param:",
@@ -45,25 +48,19 @@ TEST_F(ConfigDumpTest, DumpShowsEverySectionAtInfo) {
         EXPECT_EQ(0u, line.find("<LYND_INFO>[")) << line;
         EXPECT_EQ(want[i], line.substr(line.find("] ") + 2)) << i;
     }
-    EXPECT_TRUE(host.runs().empty());
 }
 
-TEST_F(ConfigDumpTest, NothingBelowInfo) {
-    g_lynd_dgb_lvl = 2;
-    config_dump(&conf);
-    EXPECT_TRUE(host.console_lines().empty());
-}
-
-TEST_F(ConfigDumpTest, LoadReadsTheFileAndFailsFatally) {
+TEST_F(ConfigDumpTest, LoadReadsTheFileAndEveryBadFileIsFatal) {
     host.set_file("/etc/lynd.json", R"({"enable": true, "bridges": {"br0": {}}})");
     lynd_config c{};
     config_load(&c, "/etc/lynd.json");
-    EXPECT_EQ(1u, c.n_bridges);
-    config_free(&c);
-    EXPECT_EQ(0u, c.n_bridges);
+    EXPECT_TRUE(c.enable && c.n_bridges == 1);
+    host.set_file("/full.json", std::string(LYND_CONFIG_MAX_SIZE - 2, ' ') + "{}");
+    config_load(&c, "/full.json");  // exactly at the limit
     host.set_file("/bad.json", R"({"interfaces": {"a": {"type": "5G"}}})");
     host.set_file("/big.json", std::string(LYND_CONFIG_MAX_SIZE + 1, ' ') + "{}");
-    for (const char* path : {"/bad.json", "/big.json", "/missing.json"}) {
+    host.set_file("/text.json", "enable=1");
+    for (const char* path : {"/bad.json", "/big.json", "/text.json", "/missing.json"}) {
         EXPECT_EXIT(
             {
                 host.set_echo(true);
@@ -72,6 +69,35 @@ TEST_F(ConfigDumpTest, LoadReadsTheFileAndFailsFatally) {
             ::testing::ExitedWithCode(1), "<LYND_FATAL>\\[config_load, [0-9]+\\] (invalid interface type|parse config)")
             << path;
     }
+}
+
+// The platform's hooks, as seen against the bridge calls made so far.
+std::vector<std::string> g_hooks;
+lynd::SimBridge* g_bridge;
+int fake_init() {
+    g_hooks.push_back("init");
+    return 0;
+}
+int fake_finit() {
+    g_hooks.push_back("finit after " + std::to_string(g_bridge->calls().size()));
+    return 0;
+}
+
+TEST_F(ConfigDumpTest, RevertStopsEveryBridgeInOrderAfterThePlatform) {
+    wlan_platform table{};
+    table.platform_init = fake_init;
+    table.platform_finit = fake_finit;
+    const wlan_platform* saved = wlan_platform_ops;
+    wlan_platform_ops = &table;
+    g_bridge = &bridge;
+    bridge.set_result("bridgeStopAPS", -1);  // a failure does not stop the others
+    config_bridge(&conf);
+    config_bridge_revert(&conf);
+    wlan_platform_ops = saved;
+    EXPECT_EQ((std::vector<std::string>{"init", "finit after 0"}), g_hooks);
+    EXPECT_EQ((std::vector<std::string>{"bridgeStopAPS br-lan", "bridgeStopAPS br-guest"}), bridge.calls());
+    config_free(&conf);
+    EXPECT_EQ(0u, conf.n_bridges + conf.n_interfaces);
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include <cstdio>
 #include <cstring>
 
 #include "bridge/vlan_name.h"
@@ -20,8 +21,10 @@ void copy_name(char* out, const char* name) {
 
 // The section of this name as an object, or null; anything else is reported.
 json_object* section(json_object* root, const char* key) {
-    json_object* v = json_member(root, key);
-    if (v != nullptr && !json_is_object(v)) {
+    json_object* v;
+    if (!json_has(root, key, &v))
+        return nullptr;
+    if (!json_is_object(v)) {
         LYND_ERR("\"%s\" is not an object, ignored", key);
         return nullptr;
     }
@@ -48,8 +51,8 @@ void load_bridges(lynd_config* conf, json_object* bridges) {
 }
 
 uint32_t type_from(json_object* iface) {
-    json_object* v = json_member(iface, "type");
-    if (v == nullptr || !json_object_is_type(v, json_type_string))
+    json_object* v;
+    if (!json_has(iface, "type", &v) || !json_object_is_type(v, json_type_string))
         return IF_TYPE_MAX;
     const char* s = json_object_get_string(v);
     for (uint32_t t = 0; t < IF_TYPE_MAX; t++)
@@ -70,16 +73,25 @@ bool exchange_name(const lynd_config* conf, const char* member, int32_t kind, ch
     keep = keep > 0 ? keep - 1 : 0;
     std::memcpy(base, member, keep < sizeof base - 1 ? keep : sizeof base - 1);
     lynd_get_vlan_name(out, base, vid, false);
+    if (keep + static_cast<size_t>(std::snprintf(nullptr, 0, "%u", vid)) >= LYND_NAME_LEN)
+        LYND_WARN("name of %s on vlan %u is longer than %d characters, cut to %s", member, vid, LYND_NAME_LEN - 1,
+                  out);
     return true;
+}
+
+// The low 8 bits first, so -1 (255) and 300 (44) both end up at 10.
+uint8_t priority_from(json_object* iface, uint32_t type) {
+    json_object* v;
+    if (!json_has(iface, "priority", &v))
+        return static_cast<uint8_t>(default_priority[type]);
+    return static_cast<uint8_t>(clamp_i32(static_cast<uint8_t>(json_object_get_int(v)), 0, 10));
 }
 
 void fill_interface(conf_interface& r, json_object* val, uint32_t type) {
     r.type = type;
     r.relay = !json_bool_or(val, "nonrelay", false);
     r.compat_group = static_cast<uint8_t>(json_int_or(val, "compat_group", 255));
-    json_object* prio = json_member(val, "priority");
-    r.priority = prio != nullptr ? static_cast<uint8_t>(clamp_i32(static_cast<uint8_t>(json_object_get_int(prio)), 0, 10))
-                                 : static_cast<uint8_t>(default_priority[type]);
+    r.priority = priority_from(val, type);
     r.path = json_bool_or(val, "path", false);
     r.if_class = static_cast<uint8_t>(json_int_or(val, "class", 0));
     r.ts_vap = json_bool_or(val, "ts_vap", false);
@@ -96,8 +108,8 @@ config_parse_result load_interfaces(lynd_config* conf, json_object* interfaces) 
         }
         conf_interface& r = conf->interfaces[conf->n_interfaces];
         r.eth_index = static_cast<uint32_t>(json_int_or(val, "eth_index", 0));
-        json_object* exchange = json_member(val, "exchange");
-        if (exchange == nullptr) {
+        json_object* exchange;
+        if (!json_has(val, "exchange", &exchange)) {
             copy_name(r.name, name);
         } else if (!exchange_name(conf, name, json_object_get_int(exchange), r.name)) {
             r = conf_interface{};  // the next member takes this record as new
@@ -112,28 +124,34 @@ config_parse_result load_interfaces(lynd_config* conf, json_object* interfaces) 
     return config_parse_result::OK;
 }
 
+// The document's top-level object, or null when the text is anything else.
+json_object* parse_object(const char* text, size_t len) {
+    json_tokener* tok = json_tokener_new();
+    if (tok == nullptr)
+        return nullptr;
+    json_object* root = json_tokener_parse_ex(tok, text, static_cast<int>(len));
+    bool complete = json_tokener_get_error(tok) == json_tokener_success;
+    json_tokener_free(tok);
+    if (root != nullptr && complete && json_is_object(root))
+        return root;
+    json_object_put(root);
+    return nullptr;
+}
+
 }  // namespace
 
 config_parse_result config_parse(lynd_config* conf, const char* text, size_t len) {
     config_reset_util_compensation();
-    if (len > LYND_CONFIG_MAX_SIZE)
+    json_object* root = len <= LYND_CONFIG_MAX_SIZE ? parse_object(text, len) : nullptr;
+    if (root == nullptr)
         return config_parse_result::BAD_JSON;
-    json_tokener* tok = json_tokener_new();
-    if (tok == nullptr)
-        return config_parse_result::BAD_JSON;
-    json_object* root = json_tokener_parse_ex(tok, text, static_cast<int>(len));
-    bool complete = json_tokener_get_error(tok) == json_tokener_success;
-    json_tokener_free(tok);
-    if (root == nullptr || !complete || !json_is_object(root)) {
-        json_object_put(root);
-        return config_parse_result::BAD_JSON;
-    }
     conf->n_bridges = 0;
     conf->n_interfaces = 0;
     conf->enable = json_bool_or(root, "enable", false);
     config_parse_result rc = config_parse_result::OK;
     if (json_object* bridges = section(root, "bridges"))
         load_bridges(conf, bridges);
+    // Before the interfaces: their names may use the exchange VLANs.
     if (json_object* param = section(root, "param"))
         config_load_param(conf, param);
     if (json_object* interfaces = section(root, "interfaces"))
