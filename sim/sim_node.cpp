@@ -6,7 +6,7 @@
 #include "event/bridge_events.h"
 #include "platform/seams.h"
 #include "sim/netlink_craft.h"
-#include "sim/wlan_platform_sim.h"
+#include "wlan/qca/wlan_platform_qca.h"
 
 namespace lynd {
 
@@ -21,7 +21,8 @@ SimNode::SimNode(const Scenario& sc) : sc_(sc) {
     bridge_.set_host(&host_);
     build_node();
     install_seams({&loop_, &host_, &uci_, &bridge_, &bus_});
-    wlan_platform_ops = &wlan_platform_sim;
+    // The QCA back-end itself: its tools answer from the scenario.
+    wlan_platform_ops = &wlan_platform_qca;
     loop_.set_stop_time(sc.duration_s * 1000);
 }
 

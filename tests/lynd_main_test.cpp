@@ -9,7 +9,6 @@ namespace {
 
 std::vector<std::string> g_trail;
 lynd::SimBridge* g_bridge;
-lynd::SimLoop* g_loop;
 lynd::SimBus* g_bus;
 
 void heard(lynd_config*, event_listener* l, uint32_t type, void*) {
@@ -49,7 +48,6 @@ protected:
         SimNodeTest::SetUp();
         g_trail.clear();
         g_bridge = &bridge;
-        g_loop = &loop;
         g_bus = &bus;
         loop.set_stop_time(5000);
     }

@@ -4,15 +4,10 @@
 
 #include "config/config.h"
 #include "core/log.h"
+#include "core/wire.h"
 #include "platform/seams.h"
 
 namespace {
-
-uint32_t read_u32(const uint8_t* p) {
-    uint32_t v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
-}
 
 void trace_ports(int count, conf_interface* const* ports) {
     LYND_TRACE("active ports count:%d", count);
@@ -31,13 +26,13 @@ size_t lynd_read_port_entries(const uint8_t* reply, size_t reply_len, uint32_t* 
     if (reply_len < KREL_MSG_HEADER)
         return 0;
     size_t room = (reply_len - KREL_MSG_HEADER) / PORT_ENTRY_SIZE;
-    size_t count = read_u32(reply + KREL_PAYLOAD_LEN_OFFSET) / PORT_ENTRY_SIZE;
+    size_t count = load_u32(reply + KREL_PAYLOAD_LEN_OFFSET) / PORT_ENTRY_SIZE;
     if (count > room)
         count = room;
     if (count > max)
         count = max;
     for (size_t i = 0; i < count; i++)
-        ifindexes[i] = read_u32(reply + KREL_MSG_HEADER + i * PORT_ENTRY_SIZE);
+        ifindexes[i] = load_u32(reply + KREL_MSG_HEADER + i * PORT_ENTRY_SIZE);
     return count;
 }
 

@@ -64,6 +64,6 @@ void event_fd_free(lynd::LoopFd* f) {
 void event_free(event_hub* ev) {
     event_ubus_free(ev);
     event_fd_free(&ev->hyfi_fd);
-    event_wifi_free(ev);
+    event_fd_free(&ev->wifi_fd);
     lynd::loop().done();
 }

@@ -3,17 +3,12 @@
 #include <cstring>
 
 #include "core/log.h"
+#include "core/wire.h"
 
 namespace {
 
 constexpr size_t RTATTR_HEADER_LEN = 4;
 constexpr size_t IW_EVENT_MIN_LEN = 8;
-
-uint16_t read_u16(const uint8_t* p) {
-    uint16_t v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
-}
 
 // Reads as much of a field as arrived; the rest reads as zero.
 uint32_t read_u32_padded(const uint8_t* buf, size_t n, size_t off) {
@@ -54,8 +49,8 @@ bool __isDisassociateEvent(const uint8_t* events, size_t len) {
     bool expired = false;
     size_t off = 0;
     while (len - off >= IW_EVENT_MIN_LEN) {
-        uint16_t ev_len = read_u16(events + off);
-        uint16_t cmd = read_u16(events + off + 2);
+        uint16_t ev_len = load_u16(events + off);
+        uint16_t cmd = load_u16(events + off + 2);
         if (ev_len <= IW_EVENT_MIN_LEN || ev_len > len - off) {
             LYND_ERR("Event len is not available");
             return expired;
@@ -71,8 +66,8 @@ bool nl_wifi_parse_attrs(const uint8_t* attrs, size_t len) {
     bool expired = false;
     size_t off = 0;
     while (len - off >= RTATTR_HEADER_LEN) {
-        uint16_t rta_len = read_u16(attrs + off);
-        uint16_t rta_type = read_u16(attrs + off + 2);
+        uint16_t rta_len = load_u16(attrs + off);
+        uint16_t rta_type = load_u16(attrs + off + 2);
         if (rta_len < RTATTR_HEADER_LEN || rta_len > len - off)
             break;
         if (rta_type == NL_IFLA_WIRELESS)

@@ -6,6 +6,7 @@
 #include "bridge/port_inventory.h"
 #include "config/config.h"
 #include "core/log.h"
+#include "core/wire.h"
 #include "event/netlink_datagram.h"
 #include "platform/seams.h"
 
@@ -42,15 +43,6 @@ void event_wifi_init(event_hub* ev) {
     LYND_LOG("init done");
 }
 
-void event_wifi_free(event_hub* ev) {
-    lynd::LoopFd* f = &ev->wifi_fd;
-    if (f->registered)
-        (void)lynd::loop().fd_delete(f);
-    if (f->fd >= 0)
-        (void)lynd::host().close_fd(f->fd);
-    *f = lynd::LoopFd{};
-}
-
 void event_wifi_nl_cb(lynd::LoopFd* f, unsigned) {
     lynd_config* conf = event_hub_config(hub_of_wifi_fd(f));
     uint8_t buf[NL_RECV_BUF_SIZE];
@@ -66,9 +58,7 @@ void event_wifi_nl_cb(lynd::LoopFd* f, unsigned) {
 }
 
 void nl_wifi_newlink_handle(lynd_config* conf, const uint8_t* msg, size_t len) {
-    uint32_t ifindex = 0;
-    if (len >= IFINFOMSG_INDEX_OFFSET + sizeof ifindex)
-        std::memcpy(&ifindex, msg + IFINFOMSG_INDEX_OFFSET, sizeof ifindex);
+    uint32_t ifindex = len >= IFINFOMSG_INDEX_OFFSET + 4 ? load_u32(msg + IFINFOMSG_INDEX_OFFSET) : 0;
     char name[LYND_NAME_LEN] = {};
     if (!config_index_to_name(ifindex, name)) {
         LYND_ERR("config_index_to_name fail");

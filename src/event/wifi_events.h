@@ -9,7 +9,6 @@
 constexpr uint32_t RTMGRP_LINK_GROUP = 1;
 
 void event_wifi_init(event_hub* ev);
-void event_wifi_free(event_hub* ev);
 void event_wifi_nl_cb(lynd::LoopFd* f, unsigned events);
 // msg is one complete RTM_NEWLINK message of len bytes.
 void nl_wifi_newlink_handle(lynd_config* conf, const uint8_t* msg, size_t len);
