@@ -7,10 +7,19 @@
 #include <vector>
 
 #include "platform/host.h"
+#include "sim/sim_driver.h"
 
 namespace lynd {
 
 class SimLoop;
+
+// One raw frame the daemon sent.
+struct SimFrame {
+    unsigned ifindex;
+    uint16_t ethertype;
+    uint8_t dst[6];
+    std::string bytes;
+};
 
 struct SimInterface {
     std::string name;
@@ -52,6 +61,19 @@ public:
     int nl_fd(int protocol) const;
     int nl_opened(int protocol) const;
 
+    // Driver requests go to driver; without one they fail with -EOPNOTSUPP.
+    void set_driver(SimDriver* driver) { driver_ = driver; }
+    // Errors (errno values) for the next datagram or packet sockets; 0 clears.
+    void set_dgram_socket_error(int error) { dgram_error_ = error; }
+    void set_packet_socket_error(int error) { packet_error_ = error; }
+    // Every send is recorded; it reports send_result when one is set, else
+    // the whole length.
+    void set_send_result(long result) { send_result_ = result; has_send_result_ = true; }
+    const std::vector<SimFrame>& frames() const { return frames_; }
+    void clear_frames() { frames_.clear(); }
+    // Datagram and packet sockets not yet closed.
+    int open_sockets() const;
+
     int run_capture(const char* const argv[], char* out, size_t size) override;
     int run_status(const char* const argv[]) override;
     void console_write(const char* line, size_t len) override;
@@ -61,6 +83,11 @@ public:
     long read_file(const char* path, char* buf, size_t size) override;
     bool write_file(const char* path, const char* data, size_t len) override;
     int close_fd(int fd) override;
+    int dgram_socket() override;
+    int dev_ioctl(int fd, unsigned long request, void* arg) override;
+    int packet_socket(uint16_t ethertype) override;
+    long packet_send(int fd, unsigned ifindex, uint16_t ethertype, const uint8_t* dst, const void* frame,
+                     size_t len) override;
     int nl_socket(int protocol) override;
     int nl_bind(int fd, uint32_t groups) override;
     long nl_recv(int fd, void* buf, size_t size) override;
@@ -85,6 +112,22 @@ private:
     std::map<int, std::vector<std::pair<int, std::string>>> nl_queues_;  // error or datagram
     std::map<int, int> nl_socket_errors_;
     std::map<int, int> nl_bind_errors_;
+
+    // Datagram and packet sockets: index + kFirstSocketFd is the descriptor.
+    enum class SockKind : uint8_t { DGRAM, PACKET };
+    struct Socket {
+        SockKind kind;
+        bool open;
+    };
+    int open_socket(SockKind kind, int error);
+    Socket* find_socket(int fd, SockKind kind);
+    std::vector<Socket> sockets_;
+    SimDriver* driver_ = nullptr;
+    int dgram_error_ = 0;
+    int packet_error_ = 0;
+    long send_result_ = 0;
+    bool has_send_result_ = false;
+    std::vector<SimFrame> frames_;
 
     std::map<std::string, Tool> tools_;
     std::vector<SimInterface> interfaces_;

@@ -36,6 +36,17 @@ public:
     // 0 on success.
     virtual int close_fd(int fd) = 0;
 
+    // An AF_INET datagram socket for driver requests: its descriptor, or -errno.
+    virtual int dgram_socket() = 0;
+    // One driver request (ioctl) on fd: its result (>= 0), or -errno.
+    virtual int dev_ioctl(int fd, unsigned long request, void* arg) = 0;
+    // A raw packet socket for one ethertype: its descriptor, or -errno.
+    virtual int packet_socket(uint16_t ethertype) = 0;
+    // Sends a whole frame out of ifindex: the bytes sent, or -errno. The
+    // link-layer address carries only the family, ethertype, index and dst.
+    virtual long packet_send(int fd, unsigned ifindex, uint16_t ethertype, const uint8_t* dst, const void* frame,
+                             size_t len) = 0;
+
     // A raw netlink socket of protocol: its descriptor, or -errno.
     virtual int nl_socket(int protocol) = 0;
     // Binds it to port id pid() and groups: 0, or -errno.

@@ -1,6 +1,8 @@
 #include "platform/linux/linux_host.h"
 
 #include <fcntl.h>
+#include <arpa/inet.h>
+#include <linux/if_packet.h>
 #include <linux/netlink.h>
 #include <net/if.h>
 #include <sys/ioctl.h>
@@ -185,6 +187,35 @@ long LinuxHost::nl_recv(int fd, void* buf, size_t size) {
 }
 
 int LinuxHost::close_fd(int fd) { return ::close(fd); }
+
+int LinuxHost::dgram_socket() {
+    int fd = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    return fd < 0 ? -errno : fd;
+}
+
+int LinuxHost::dev_ioctl(int fd, unsigned long request, void* arg) {
+    int rc = ::ioctl(fd, request, arg);
+    return rc < 0 ? -errno : rc;
+}
+
+int LinuxHost::packet_socket(uint16_t ethertype) {
+    int fd = ::socket(AF_PACKET, SOCK_RAW | SOCK_CLOEXEC, htons(ethertype));
+    return fd < 0 ? -errno : fd;
+}
+
+long LinuxHost::packet_send(int fd, unsigned ifindex, uint16_t ethertype, const uint8_t* dst, const void* frame,
+                            size_t len) {
+    sockaddr_ll to{};
+    to.sll_family = AF_PACKET;
+    to.sll_protocol = htons(ethertype);
+    to.sll_ifindex = static_cast<int>(ifindex);
+    std::memcpy(to.sll_addr, dst, 6);
+    ssize_t n;
+    do {
+        n = ::sendto(fd, frame, len, 0, reinterpret_cast<sockaddr*>(&to), sizeof to);
+    } while (n < 0 && errno == EINTR);
+    return n < 0 ? -errno : static_cast<long>(n);
+}
 
 timespec LinuxHost::monotonic_now() {
     timespec ts{};

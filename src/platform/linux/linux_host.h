@@ -20,6 +20,11 @@ public:
     long read_file(const char* path, char* buf, size_t size) override;
     bool write_file(const char* path, const char* data, size_t len) override;
     int close_fd(int fd) override;
+    int dgram_socket() override;
+    int dev_ioctl(int fd, unsigned long request, void* arg) override;
+    int packet_socket(uint16_t ethertype) override;
+    long packet_send(int fd, unsigned ifindex, uint16_t ethertype, const uint8_t* dst, const void* frame,
+                     size_t len) override;
     int nl_socket(int protocol) override;
     int nl_bind(int fd, uint32_t groups) override;
     long nl_recv(int fd, void* buf, size_t size) override;
