@@ -1,12 +1,40 @@
 #include "sim/json_reader.h"
 
+#include <cctype>
+
 namespace lynd {
 
 namespace {
 
 std::string quoted(const char* key) { return std::string("\"") + key + "\""; }
 
+int hex_digit(char c) {
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
+}
+
 }  // namespace
+
+bool parse_mac(const std::string& text, uint8_t* mac) {
+    if (text.size() != 17)
+        return false;
+    for (size_t i = 0; i < 6; i++) {
+        int hi = hex_digit(text[i * 3]), lo = hex_digit(text[i * 3 + 1]);
+        if (hi < 0 || lo < 0 || (i < 5 && text[i * 3 + 2] != ':'))
+            return false;
+        mac[i] = static_cast<uint8_t>(hi * 16 + lo);
+    }
+    return true;
+}
+
+bool json_get_mac(JsonReader& r, json_object* obj, const char* key, uint8_t* mac) {
+    std::string text;
+    if (!json_get_string(r, obj, key, &text, 17))
+        return false;
+    return parse_mac(text, mac) || r.fail(quoted(key) + " must be a MAC address (xx:xx:xx:xx:xx:xx)");
+}
 
 bool JsonReader::fail(const std::string& what) {
     if (ok && error != nullptr)

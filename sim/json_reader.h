@@ -19,6 +19,9 @@ struct JsonReader {
     bool fail(const std::string& what);
 };
 
+// Exactly "xx:xx:xx:xx:xx:xx".
+bool parse_mac(const std::string& text, uint8_t* mac);
+
 json_object* json_member(json_object* obj, const char* key);
 bool json_is(json_object* v, json_type t);
 
@@ -27,6 +30,7 @@ bool json_get_string(JsonReader& r, json_object* obj, const char* key, std::stri
                      size_t max = kJsonMaxText);
 bool json_get_int(JsonReader& r, json_object* obj, const char* key, int64_t lo, int64_t hi, int64_t* out);
 bool json_get_bool(JsonReader& r, json_object* obj, const char* key, bool* out);
+bool json_get_mac(JsonReader& r, json_object* obj, const char* key, uint8_t* mac);
 
 // Null when key is absent or of another shape (recorded).
 json_object* json_array_member(JsonReader& r, json_object* obj, const char* key);

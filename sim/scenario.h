@@ -7,7 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "sim/sim_cpu.h"
 #include "sim/sim_host.h"
+#include "sim/wlan_platform_sim.h"
 
 namespace lynd {
 
@@ -23,13 +25,13 @@ struct ScenarioBridge {
     std::vector<std::string> ports;
 };
 
-enum class TimelineKind { UBUS, NETLINK, STATION_EXPIRED };
+enum class TimelineKind { UBUS, NETLINK, STATION_EXPIRED, LINK };
 
 struct TimelineEntry {
     int64_t at_ms = 0;
     TimelineKind kind = TimelineKind::UBUS;
-    std::string name;   // ubus event name, or the interface that lost a station
-    std::string data;   // ubus payload (JSON text) or the raw netlink datagram
+    std::string name;   // ubus event name, or the interface that lost a station or changes its link
+    std::string data;   // ubus payload or link fields (JSON text), or the raw netlink datagram
 };
 
 enum class ExpectKind { LOG_CONTAINS, LOG_ABSENT, EXIT, CALL, FILE_EQUALS, RUN };
@@ -55,6 +57,9 @@ struct Scenario {
     std::vector<SimInterface> interfaces;
     std::vector<ScenarioBridge> bridges;
     std::map<std::string, int> bridge_failures;  // library call -> its result
+    std::vector<CpuPoint> cpu;
+    std::map<std::string, SimLink> links;
+    std::map<std::string, std::vector<SimStation>> stations;
     std::vector<TimelineEntry> timeline;
     std::vector<Expectation> expect;
 };

@@ -7,6 +7,7 @@
 #include "sim/json_reader.h"
 #include "sim/netlink_craft.h"
 #include "sim/scenario.h"
+#include "sim/scenario_radios.h"
 
 namespace lynd {
 
@@ -23,26 +24,6 @@ constexpr size_t kMaxScenarioSize = 16 * 1024 * 1024;
 using Reader = JsonReader;
 
 std::string quoted(const std::string& s) { return "\"" + s + "\""; }
-
-int hex_digit(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
-}
-
-// Exactly "xx:xx:xx:xx:xx:xx".
-bool parse_mac(const std::string& text, uint8_t* mac) {
-    if (text.size() != 17)
-        return false;
-    for (size_t i = 0; i < 6; i++) {
-        int hi = hex_digit(text[i * 3]), lo = hex_digit(text[i * 3 + 1]);
-        if (hi < 0 || lo < 0 || (i < 5 && text[i * 3 + 2] != ':'))
-            return false;
-        mac[i] = static_cast<uint8_t>(hi * 16 + lo);
-    }
-    return true;
-}
 
 void parse_interfaces(Reader& r, json_object* list, Scenario* out) {
     for (size_t i = 0; list != nullptr && r.ok && i < json_object_array_length(list); i++) {
@@ -139,6 +120,8 @@ void parse_node(Reader& r, json_object* node, Scenario* out) {
     }
     parse_interfaces(r, json_array_member(r, node, "interfaces"), out);
     parse_bridges(r, json_array_member(r, node, "bridges"), out);
+    parse_node_cpu(r, node, out);
+    parse_node_mesh(r, node, out);
 }
 
 void parse_timeline_entry(Reader& r, json_object* o, const Scenario& sc, TimelineEntry* e) {
@@ -161,8 +144,15 @@ void parse_timeline_entry(Reader& r, json_object* o, const Scenario& sc, Timelin
             known = known || i.name == ifname;
         if (!known)
             r.fail("station_expired names an interface the node does not have: " + ifname);
+    } else if (json_get_string(r, o, "link", &ifname, kMaxIfname)) {
+        e->kind = TimelineKind::LINK;
+        e->name = ifname;
+        json_object* set = json_member(o, "set");
+        SimLink scratch;
+        if (apply_link_fields(r, set, &scratch))
+            e->data = json_object_to_json_string_ext(set, JSON_C_TO_STRING_PLAIN);
     } else if (r.ok) {
-        r.fail("timeline entry of an unknown kind (ubus, netlink or station_expired)");
+        r.fail("timeline entry of an unknown kind (ubus, netlink, station_expired or link)");
     }
 }
 
@@ -249,6 +239,7 @@ void parse_top(Reader& r, json_object* root, Scenario* out) {
     parse_args(r, json_array_member(r, root, "args"), out);
     if (json_object* node = json_object_member(r, root, "node"))
         parse_node(r, node, out);
+    parse_radios(r, root, out);
     parse_timeline(r, json_array_member(r, root, "timeline"), out);
     parse_expect(r, json_array_member(r, root, "expect"), out);
 }

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "sim/sim_cpu.h"
 #include "sim/sim_loop.h"
 
 namespace lynd {
@@ -47,7 +48,11 @@ const SimHost::Tool* SimHost::lookup_tool(const char* const argv[]) {
     }
     runs_.push_back(cmdline);
     auto it = tools_.find(cmdline);
-    return it == tools_.end() ? nullptr : &it->second;
+    if (it != tools_.end())
+        return &it->second;
+    if (driver_ != nullptr && driver_->tool(cmdline, &driven_.output, &driven_.status))
+        return &driven_;
+    return nullptr;
 }
 
 int SimHost::run_capture(const char* const argv[], char* out, size_t size) {
@@ -89,8 +94,11 @@ bool SimHost::if_indextoname(unsigned ifindex, char* name) {
 
 long SimHost::read_file(const char* path, char* buf, size_t size) {
     auto it = files_.find(path);
-    if (it == files_.end())
-        return -1;
+    if (it == files_.end()) {
+        if (cpu_ != nullptr && std::strcmp(path, "/proc/stat") == 0)
+            return static_cast<long>(cpu_->proc_stat(clock_ != nullptr ? clock_->now_ms() : 0, buf, size));
+        return driver_ != nullptr ? driver_->file(path, buf, size) : -1;
+    }
     size_t n = std::min(size, it->second.size());
     std::memcpy(buf, it->second.data(), n);
     return static_cast<long>(n);

@@ -11,6 +11,7 @@
 
 namespace lynd {
 
+class SimCpu;
 class SimLoop;
 
 // One raw frame the daemon sent.
@@ -34,6 +35,7 @@ public:
     void set_tool(const std::string& cmdline, const std::string& output, int status = 0);
     void add_interface(const SimInterface& iface);
     const SimInterface* find_interface(const std::string& name) const;
+    const std::vector<SimInterface>& interfaces() const { return interfaces_; }
     void set_file(const std::string& path, const std::string& content);
     bool has_file(const std::string& path) const;
     std::string file(const std::string& path) const;
@@ -61,7 +63,10 @@ public:
     int nl_fd(int protocol) const;
     int nl_opened(int protocol) const;
 
+    // /proc/stat comes from cpu unless a file was set for it.
+    void set_cpu(const SimCpu* cpu) { cpu_ = cpu; }
     // Driver requests go to driver; without one they fail with -EOPNOTSUPP.
+    // Tools and files the scenario did not fix are asked of it too.
     void set_driver(SimDriver* driver) { driver_ = driver; }
     // Errors (errno values) for the next datagram or packet sockets; 0 clears.
     void set_dgram_socket_error(int error) { dgram_error_ = error; }
@@ -123,6 +128,8 @@ private:
     Socket* find_socket(int fd, SockKind kind);
     std::vector<Socket> sockets_;
     SimDriver* driver_ = nullptr;
+    const SimCpu* cpu_ = nullptr;
+    Tool driven_;  // the driver's reply to the tool being run
     int dgram_error_ = 0;
     int packet_error_ = 0;
     long send_result_ = 0;

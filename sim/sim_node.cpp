@@ -6,6 +6,7 @@
 #include "event/bridge_events.h"
 #include "platform/seams.h"
 #include "sim/netlink_craft.h"
+#include "sim/scenario_radios.h"
 #include "wlan/qca/wlan_platform_qca.h"
 
 namespace lynd {
@@ -18,10 +19,12 @@ size_t RunOutcome::failed() const {
 
 SimNode::SimNode(const Scenario& sc) : sc_(sc) {
     host_.set_clock(&loop_);
+    host_.set_cpu(&cpu_);
+    host_.set_driver(&wlan_);
     bridge_.set_host(&host_);
     build_node();
     install_seams({&loop_, &host_, &uci_, &bridge_, &bus_});
-    // The QCA back-end itself: its tools answer from the scenario.
+    // The QCA back-end itself: the simulated radios answer its requests.
     wlan_platform_ops = &wlan_platform_qca;
     loop_.set_stop_time(sc.duration_s * 1000);
 }
@@ -40,6 +43,11 @@ void SimNode::build_node() {
     }
     for (const auto& kv : sc_.bridge_failures)
         bridge_.set_result(kv.first, kv.second);
+    cpu_.set_points(sc_.cpu);
+    for (const auto& kv : sc_.links)
+        wlan_.set_link(kv.first, kv.second);
+    for (const auto& kv : sc_.stations)
+        wlan_.set_stations(kv.first, kv.second);
     if (sc_.has_config)
         host_.set_file("/etc/lynd.json", sc_.config_text);
 }
@@ -80,7 +88,23 @@ void SimNode::play(const TimelineEntry& e) {
         host_.queue_datagram(0, craft_station_expired(host_.if_nametoindex(e.name.c_str())));
         (void)loop_.fd_ready(host_.nl_fd(0));
         break;
+    case TimelineKind::LINK:
+        change_link(e);
+        break;
     }
+}
+
+// The scenario's fields over the link as it stands (a new link starts from
+// the defaults); the parser has checked them already.
+void SimNode::change_link(const TimelineEntry& e) {
+    const SimLink* now = wlan_.link(e.name);
+    SimLink link = now != nullptr ? *now : SimLink{};
+    json_object* set = json_tokener_parse(e.data.c_str());
+    std::string error;
+    JsonReader r{&error};
+    (void)apply_link_fields(r, set, &link);
+    json_object_put(set);
+    wlan_.set_link(e.name, link);
 }
 
 ExpectResult SimNode::judge(const Expectation& e, int exit_status) const {

@@ -9,6 +9,7 @@
 #include "sim/sim_host.h"
 #include "sim/sim_loop.h"
 #include "sim/sim_uci.h"
+#include "sim/wlan_platform_sim.h"
 
 namespace lynd {
 
@@ -37,6 +38,7 @@ public:
 
     SimHost& host() { return host_; }
     SimBridge& bridge() { return bridge_; }
+    SimWlan& wlan() { return wlan_; }
 
 private:
     struct TimelineTimer {
@@ -47,6 +49,7 @@ private:
     };
     static void fire(LoopTimer* t);
     void play(const TimelineEntry& e);
+    void change_link(const TimelineEntry& e);
     ExpectResult judge(const Expectation& e, int exit_status) const;
     void build_node();
     void arm_timeline();
@@ -57,6 +60,8 @@ private:
     SimUci uci_;
     SimBridge bridge_;
     SimBus bus_;
+    SimCpu cpu_;
+    SimWlan wlan_{&host_, &loop_};
     std::vector<TimelineTimer> timers_;
     std::vector<ExpectResult> timed_results_;
 };
