@@ -5,23 +5,9 @@
 #include "config/lynd_config.h"
 #include "core/log.h"
 #include "event/event_hub.h"
-#include "platform/seams.h"
-#include "sim/sim_bridge.h"
-#include "sim/sim_bus.h"
-#include "sim/sim_host.h"
-#include "sim/sim_loop.h"
-#include "sim/sim_uci.h"
+#include "bench/bench_seams.h"
 
 namespace {
-
-struct SimSeams {
-    lynd::SimLoop loop;
-    lynd::SimHost host;
-    lynd::SimUci uci;
-    lynd::SimBridge bridge;
-    lynd::SimBus bus;
-    SimSeams() { lynd::install_seams({&loop, &host, &uci, &bridge, &bus}); }
-};
 
 void count_event(lynd_config*, event_listener*, uint32_t type, void* data) {
     benchmark::DoNotOptimize(type);
