@@ -5,8 +5,10 @@ namespace lynd {
 void print_report(std::FILE* out, const Scenario& sc, const RunOutcome& o, SimNode& node) {
     std::fprintf(out, "\nlynd-sim: scenario \"%s\": %lld s of virtual time, daemon exit status %d\n",
                  sc.name.c_str(), static_cast<long long>(o.virtual_ms / 1000), o.exit_status);
-    std::fprintf(out, "lynd-sim: %zu log lines, %zu bridge calls, %zu tool runs\n",
-                 node.host().console_lines().size(), node.bridge().calls().size(), node.host().runs().size());
+    std::fprintf(out,
+                 "lynd-sim: %zu log lines, %zu bridge calls, %zu tool runs, %zu frames sent, %zu driver actions\n",
+                 node.host().console_lines().size(), node.bridge().calls().size(), node.host().runs().size(),
+                 node.host().frames().size(), node.wlan().actions().size());
     for (const auto& r : o.results)
         std::fprintf(out, "lynd-sim: %s %s (%s)\n", r.passed ? "ok  " : "FAIL", describe(*r.expect).c_str(),
                      r.why.c_str());
