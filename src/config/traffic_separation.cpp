@@ -59,8 +59,10 @@ uint32_t read_policies(lynd_config* conf, uint32_t count) {
     conf->ts.vlan_count = 0;
     policy_walk walk{};
     for (uint32_t i = 0; i < count; i++) {
-        if (walk.stored == TS_MAX_POLICIES && conf->ts.vlan_count == TS_MAX_VLANS)
-            break;  // nothing further could be kept
+        if (walk.stored == TS_MAX_POLICIES && conf->ts.vlan_count == TS_MAX_VLANS) {
+            LYND_WARN("ts tables full, policies from index %u on are ignored", i);
+            break;
+        }
         read_policy(conf, i, &walk);
     }
     if (walk.vlans_full)
