@@ -9,7 +9,8 @@
 extern uint8_t g_cap_mac[LYND_MAC_LEN];
 void lynd_cap_mac_reset();
 
-// 1 with the controller's MAC in mac_out, or 0.
+// 1 with the controller's MAC in mac_out (all zero when the daemon's answer
+// holds no readable address, so the next call asks again), or 0.
 int lynd_get_cap_mac(uint8_t* mac_out);
 // 1 when this node is at mesh level 1.
 int lynd_check_direct_connect_cap();

@@ -56,7 +56,6 @@ uint32_t read_policies(lynd_config* conf, uint32_t count) {
         LYND_WARN("ts policy count %u, only the first %u policies are read", count, TS_MAX_POLICY_INDEXES);
         count = TS_MAX_POLICY_INDEXES;
     }
-    conf->ts.vlan_count = 0;
     policy_walk walk{};
     for (uint32_t i = 0; i < count; i++) {
         if (walk.stored == TS_MAX_POLICIES && conf->ts.vlan_count == TS_MAX_VLANS) {
