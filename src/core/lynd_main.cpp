@@ -2,6 +2,7 @@
 
 #include "config/config.h"
 #include "config/lynd_config.h"
+#include "config/traffic_separation.h"
 #include "core/log.h"
 #include "core/options.h"
 #include "event/event_hub.h"
@@ -60,6 +61,7 @@ int lynd_main_with(int argc, char** argv, const lynd_module_table& modules) {
         LYND_ERR("lynd disabled");
         return 0;
     }
+    traffic_separation_config_load(conf);
     config_dump(conf);
     config_bridge(conf);
     event_init(&conf->ev);

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "config/traffic_separation.h"
 #include "core/log.h"
 #include "event/bridge_events.h"
 #include "event/ubus_decode.h"
@@ -100,6 +101,7 @@ void event_ubus_receive_debug(event_hub* ev, const BusMessage& msg) {
 }
 
 void event_ubus_receive_traffic_separation(event_hub* ev, const BusMessage&) {
+    traffic_separation_config_load(event_hub_config(ev));
     uint32_t need_reconfig = 1;
     event_run_cb(ev, EVENT_TS, &need_reconfig);
 }
