@@ -14,3 +14,5 @@ inline uint32_t load_u32(const uint8_t* p) {
     std::memcpy(&v, p, sizeof v);
     return v;
 }
+
+inline int32_t load_s32(const uint8_t* p) { return static_cast<int32_t>(load_u32(p)); }

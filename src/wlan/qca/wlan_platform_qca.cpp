@@ -1,6 +1,8 @@
 #include "wlan/qca/wlan_platform_qca.h"
 
 #include "platform/seams.h"
+#include "wlan/qca/link_control_qca.h"
+#include "wlan/qca/link_stats_qca.h"
 
 namespace {
 
@@ -8,6 +10,11 @@ namespace {
 int qca_set_dbdc(const char* value) {
     const char* const argv[] = {"iwpriv", "wifi0", "dbdc_enable", value, nullptr};
     return lynd::host().run_status(argv);
+}
+
+// The slot has no result; the peer count is of no use to its callers.
+void activate_links_slot(const char* ifname, const conf_param* param) {
+    (void)wlan_activate_links_qca(ifname, param);
 }
 
 }  // namespace
@@ -33,14 +40,14 @@ int qca_platform_init() { return qca_set_dbdc("0"); }
 int qca_platform_finit() { return qca_set_dbdc("1"); }
 
 const wlan_platform wlan_platform_qca = {
-    nullptr,  // get_uplink_rate
-    nullptr,  // get_channel_utilization
-    nullptr,  // activate_links
-    nullptr,  // activate_links_for_ap
-    nullptr,  // delete_wds_entry
+    wlan_get_uplink_rate_qca,
+    wlan_get_channel_utilization_qca,
+    activate_links_slot,
+    wlan_activate_links_for_ap_qca,
+    wlan_delete_wds_entry_qca,
     wlan_get_util_adjustment_qca,
     nullptr,  // is_5g_low_noise
-    nullptr,  // get_links
+    wlan_get_links_qca,
     wlan_get_if_tx_rx_stat_qca,
     nullptr,  // flush_all_fcache_flow
     nullptr,  // flush_fcache_flow_entry
