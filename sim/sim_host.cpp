@@ -189,6 +189,13 @@ int SimHost::close_fd(int fd) {
 int SimHost::open_socket(SockKind kind, int error) {
     if (error != 0)
         return -error;
+    // The lowest free descriptor, as the kernel hands them out.
+    for (size_t i = 0; i < sockets_.size(); i++) {
+        if (!sockets_[i].open) {
+            sockets_[i] = Socket{kind, true};
+            return kFirstSocketFd + static_cast<int>(i);
+        }
+    }
     sockets_.push_back(Socket{kind, true});
     return kFirstSocketFd + static_cast<int>(sockets_.size()) - 1;
 }
