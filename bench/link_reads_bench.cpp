@@ -41,34 +41,37 @@ void BM_StaTableWalk16(benchmark::State& state) {
 }
 BENCHMARK(BM_StaTableWalk16);
 
-void BM_BackhaulPeer(benchmark::State& state) {
+// One read, over and over, on a node with a backhaul link and 16 stations.
+template <typename Read>
+void measure_read(benchmark::State& state, Read read) {
     RadioSeams seams;
-    wlan_link_info l;
     size_t before = bench_allocations();
     for (auto _ : state)
-        benchmark::DoNotOptimize(wlan_get_links_v2("ath12", &l));
+        benchmark::DoNotOptimize(read());
     report_allocs(state, before);
+}
+
+void BM_BackhaulPeer(benchmark::State& state) {
+    wlan_link_info l;
+    measure_read(state, [&] { return wlan_get_links_v2("ath12", &l); });
 }
 BENCHMARK(BM_BackhaulPeer);
 
 void BM_AccessPointStations16(benchmark::State& state) {
-    RadioSeams seams;
     wlan_link_info links[16];
-    size_t before = bench_allocations();
-    for (auto _ : state)
-        benchmark::DoNotOptimize(wlan_get_sta_links("ath1", links, 16));
-    report_allocs(state, before);
+    measure_read(state, [&] { return wlan_get_sta_links("ath1", links, 16); });
 }
 BENCHMARK(BM_AccessPointStations16);
 
 void BM_ChannelUtilisation(benchmark::State& state) {
-    RadioSeams seams;
     uint8_t util;
-    size_t before = bench_allocations();
-    for (auto _ : state)
-        benchmark::DoNotOptimize(wlan_get_channel_utilization_qca("ath12", &util, 2, true));
-    report_allocs(state, before);
+    measure_read(state, [&] { return wlan_get_channel_utilization_qca("ath12", &util, 2, true); });
 }
 BENCHMARK(BM_ChannelUtilisation);
+
+void BM_Association(benchmark::State& state) {
+    measure_read(state, [] { return lynd_get_wireless_link_state("ath12"); });
+}
+BENCHMARK(BM_Association);
 
 }  // namespace

@@ -9,15 +9,12 @@
 #include "sim/scenario.h"
 #include "sim/sim_node.h"
 #include "sim/state_dir.h"
+#include "scenario_text.h"
 #include "sim_fixture.h"
 
 namespace {
 
 using lynd::Scenario;
-
-bool parse(const std::string& text, Scenario* sc, std::string* error) {
-    return lynd::scenario_parse(text.data(), text.size(), sc, error);
-}
 
 TEST(ScenarioParse, DefaultsAndNode) {
     Scenario sc;

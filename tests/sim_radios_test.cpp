@@ -5,15 +5,12 @@
 #include "sim/sim_cpu.h"
 #include "sim/sim_node.h"
 #include "sim/wlan_platform_sim.h"
+#include "scenario_text.h"
 #include "sim_fixture.h"
 
 namespace {
 
 using lynd::Scenario;
-
-bool parse(const std::string& text, Scenario* sc, std::string* error) {
-    return lynd::scenario_parse(text.data(), text.size(), sc, error);
-}
 
 TEST(ScenarioRadios, LinksStationsCpuAndMesh) {
     Scenario sc;
