@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/mac.h"
 #include "sim/sim_host.h"
 #include "sim/sim_loop.h"
 #include "wlan/qca/qca_ioctl.h"
@@ -120,7 +121,7 @@ int SimWlan::access_point(const char* ifname, uint8_t* bssid) {
     const SimInterface* i = host_ != nullptr ? host_->find_interface(ifname) : nullptr;
     static const uint8_t fallback[6] = {0x02, 0x5a, 0, 0, 0, 0x01};
     std::memcpy(bssid, i != nullptr ? i->mac : fallback, 6);
-    if (std::memcmp(bssid, "\0\0\0\0\0\0", 6) == 0)
+    if (lynd_mac_is_zero(bssid))
         std::memcpy(bssid, fallback, 6);
     return 0;
 }

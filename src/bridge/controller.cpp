@@ -17,13 +17,6 @@ namespace {
 constexpr const char* kFindControllerText = "ubus call map meshd '{\"action\":\"findcontroller\"}'";
 constexpr const char* kLevelPath = "tessel.tessel.level";
 
-bool mac_is_zero(const uint8_t* mac) {
-    for (int i = 0; i < LYND_MAC_LEN; i++)
-        if (mac[i] != 0)
-            return false;
-    return true;
-}
-
 }  // namespace
 
 int lynd_get_cap_mac(uint8_t* mac_out) {
@@ -31,7 +24,7 @@ int lynd_get_cap_mac(uint8_t* mac_out) {
     LYND_DEBUG("g_cap_mac: %02x:%02x:%02x:%02x:%02x:%02x", c[0], c[1], c[2], c[3], c[4], c[5]);
     if (mac_out == nullptr)
         return 0;
-    if (!mac_is_zero(g_cap_mac)) {
+    if (!lynd_mac_is_zero(g_cap_mac)) {
         std::memcpy(mac_out, g_cap_mac, LYND_MAC_LEN);
         return 1;
     }
@@ -68,7 +61,7 @@ int lynd_get_parent_mac(uint8_t* mac_out) {
     if (mac_out == nullptr || !lynd_check_direct_connect_cap())
         return 0;
     uint8_t mac[LYND_MAC_LEN] = {};
-    if (!lynd_get_cap_mac(mac) || mac_is_zero(mac))
+    if (!lynd_get_cap_mac(mac) || lynd_mac_is_zero(mac))
         return 0;
     std::memcpy(mac_out, mac, LYND_MAC_LEN);
     return 1;

@@ -4,23 +4,13 @@
 
 #include "bridge/host_stats.h"
 #include "core/log.h"
+#include "core/text_lines.h"
 #include "platform/seams.h"
 
 namespace {
 
 constexpr size_t kLineMax = 256;
 constexpr size_t kNetDevMax = 16384;
-
-// The next line of text (at most kLineMax - 1 bytes of it), terminated.
-size_t next_line(const char* text, size_t len, size_t pos, char* line) {
-    size_t end = pos;
-    while (end < len && text[end] != '\n')
-        end++;
-    size_t n = end - pos < kLineMax - 1 ? end - pos : kLineMax - 1;
-    std::memcpy(line, text + pos, n);
-    line[n] = '\0';
-    return end < len ? end + 1 : end;
-}
 
 }  // namespace
 
@@ -29,7 +19,7 @@ bool lynd_parse_net_dev(const char* text, size_t len, const char* ifname, if_sta
     std::snprintf(pattern, sizeof pattern, "%s:", ifname);
     char line[kLineMax];
     for (size_t pos = 0; pos < len;) {
-        pos = next_line(text, len, pos, line);
+        pos = lynd_next_line(text, len, pos, line, sizeof line);
         const char* at = std::strstr(line, pattern);
         if (at == nullptr)
             continue;

@@ -2,7 +2,7 @@
 #pragma once
 #include <cstdint>
 
-constexpr int LYND_MAC_LEN = 6;
+#include "core/mac.h"
 
 // Pure: reads text as "XX-XX-XX-XX-XX-XX" when sep is '-', else as
 // "XX:XX:XX:XX:XX:XX". Octets that do not parse are 0; the count parsed.

@@ -3,20 +3,11 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/text_lines.h"
+
 namespace {
 
 constexpr size_t kLineMax = 512;
-
-// The next line of text, at most kLineMax - 1 bytes of it (a longer line goes
-// on in the next call), terminated.
-size_t next_line(const char* text, size_t len, size_t pos, char* line) {
-    size_t n = 0;
-    while (pos + n < len && n < kLineMax - 1 && text[pos + n] != '\n')
-        n++;
-    std::memcpy(line, text + pos, n);
-    line[n] = '\0';
-    return pos + n < len && text[pos + n] == '\n' ? pos + n + 1 : pos + n;
-}
 
 // The number after the line's first "= "; false when there is none.
 bool value_after_equals(const char* line, uint64_t* value) {
@@ -38,7 +29,7 @@ bool wlan_read_apstats(const char* text, size_t len, wlan_link_counters* counter
     bool rx_found = false;
     char line[kLineMax];
     for (size_t pos = 0; pos < len && !(tx_found && rx_found);) {
-        pos = next_line(text, len, pos, line);
+        pos = lynd_next_line(text, len, pos, line, sizeof line);
         if (std::strstr(line, "x Data Bytes") == nullptr)
             continue;
         if (std::strstr(line, "Tx") != nullptr && value_after_equals(line, &counters->tx_bytes))

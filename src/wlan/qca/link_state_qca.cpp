@@ -1,17 +1,11 @@
 // Whether a station interface is associated. Asked of the driver directly,
 // with the two requests iwconfig makes, since it runs several times a period.
 #include "core/log.h"
+#include "core/mac.h"
 #include "wlan/qca/link_stats_qca.h"
 #include "wlan/qca/qca_request.h"
 
 namespace {
-
-bool all_zero(const uint8_t* mac) {
-    for (int i = 0; i < 6; i++)
-        if (mac[i] != 0)
-            return false;
-    return true;
-}
 
 // An ad-hoc interface reports a cell, not an access point. A failed mode
 // request does not make it one.
@@ -32,7 +26,7 @@ int lynd_get_wireless_link_state(const char* ifname) {
     iw_request ap = qca_request(ifname);
     if (sock.request(IW_IOCTL_GET_AP, &ap) < 0 || is_ad_hoc(sock, ifname))
         return 0;
-    if (all_zero(ap.u.addr.bytes)) {
+    if (lynd_mac_is_zero(ap.u.addr.bytes)) {
         LYND_DEBUG("%s not Associa", ifname);
         return 0;
     }
