@@ -28,7 +28,7 @@ if(LYND_OPENWRT_MISSING)
   return()
 endif()
 
-set(LYND_OPENWRT_DIR ${CMAKE_SOURCE_DIR}/src/platform/openwrt)
+set(LYND_OPENWRT_DIR ${CMAKE_SOURCE_DIR}/src/targets/openwrt)
 file(GLOB LYND_OPENWRT_SOURCES CONFIGURE_DEPENDS ${LYND_OPENWRT_DIR}/*.cpp)
 list(REMOVE_ITEM LYND_OPENWRT_SOURCES ${LYND_OPENWRT_DIR}/main.cpp)
 add_library(lynd_openwrt STATIC ${LYND_OPENWRT_SOURCES})

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <vector>
 
-#include "bridge/mac_text.h"
+#include "core/mac.h"
 #include "bridge/mesh_reply.h"
 #include "fuzz/fuzz_seams.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "bridge/krel_api.h"
+#include "platform/krel_api.h"
 #include "bridge/table_entries.h"
 
 namespace lynd {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "core/lynd_main.h"
+#include "daemon/lynd_main.h"
 #include "event/bridge_events.h"
 #include "platform/seams.h"
 #include "sim/netlink_craft.h"

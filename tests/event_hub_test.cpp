@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "config/lynd_config.h"
+#include "event/event_dispatch.h"
 #include "event/event_hub.h"
 #include "sim_fixture.h"
 

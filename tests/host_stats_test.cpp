@@ -1,6 +1,7 @@
 #include <string>
 
 #include "bridge/host_stats.h"
+#include "core/sort.h"
 #include "sim_fixture.h"
 
 namespace {

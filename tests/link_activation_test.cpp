@@ -1,6 +1,6 @@
 #include <string>
 
-#include "bridge/link_activation.h"
+#include "wlan/link_activation.h"
 #include "sim_fixture.h"
 
 namespace {

@@ -1,6 +1,6 @@
-#include "bridge/link_state.h"
+#include "wlan/link_state.h"
 #include "qca_driver_fake.h"
-#include "wlan/qca/link_records.h"
+#include "wlan/link_records.h"
 
 namespace {
 

@@ -2,7 +2,8 @@
 #include <vector>
 
 #include "config/lynd_config.h"
-#include "core/lynd_main.h"
+#include "daemon/lynd_main.h"
+#include "event/event_dispatch.h"
 #include "sim_fixture.h"
 
 namespace {

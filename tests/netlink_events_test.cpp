@@ -5,6 +5,8 @@
 
 #include "conf_builder.h"
 #include "event/bridge_events.h"
+#include "event/event_dispatch.h"
+#include "event/event_hub.h"
 #include "event/netlink_datagram.h"
 #include "event/wifi_events.h"
 #include "sim_fixture.h"

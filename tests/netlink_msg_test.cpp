@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "platform/linux/netlink_msg.h"
+#include "targets/linux/netlink_msg.h"
 #include "sim_fixture.h"
 
 namespace {

@@ -1,7 +1,7 @@
 #include <string>
 #include <vector>
 
-#include "core/options.h"
+#include "daemon/options.h"
 #include "sim_fixture.h"
 #include "wlan/wlan_platform.h"
 

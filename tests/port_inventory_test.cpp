@@ -4,7 +4,12 @@
 
 #include "bridge/port_inventory.h"
 #include "conf_builder.h"
+#include "core/queries.h"
+#include "event/event_dispatch.h"
+#include "event/event_hub.h"
+#include "modules/module.h"
 #include "sim_fixture.h"
+#include "wlan/link_activation.h"
 
 namespace {
 

@@ -3,12 +3,12 @@
 #include <cstring>
 #include <string>
 
-#include "bridge/link_activation.h"
-#include "bridge/link_state.h"
+#include "wlan/link_activation.h"
+#include "wlan/link_state.h"
 #include "sim/wlan_platform_sim.h"
 #include "sim_fixture.h"
 #include "wlan/qca/link_control_qca.h"
-#include "wlan/qca/link_records.h"
+#include "wlan/link_records.h"
 #include "wlan/qca/link_stats_qca.h"
 #include "wlan/qca/wlan_platform_qca.h"
 #include "wlan/wlan_platform.h"

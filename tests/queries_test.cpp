@@ -1,9 +1,9 @@
 #include <cstring>
 #include <string>
 
-#include "core/exec.h"
-#include "core/uci_query.h"
-#include "platform/linux/linux_host.h"
+#include "core/queries.h"
+#include "core/queries.h"
+#include "targets/linux/linux_host.h"
 #include "sim_fixture.h"
 
 namespace {

@@ -3,10 +3,11 @@
 #include <vector>
 
 #include "conf_builder.h"
-#include "config/traffic_separation.h"
-#include "core/lynd_main.h"
+#include "daemon/lynd_main.h"
+#include "event/event_dispatch.h"
 #include "event/ubus_receive.h"
 #include "sim_fixture.h"
+#include "wlan/traffic_separation.h"
 
 namespace {
 

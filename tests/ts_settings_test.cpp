@@ -1,6 +1,6 @@
 #include <string>
 
-#include "event/event_types.h"
+#include "core/types.h"
 #include "sim_fixture.h"
 #include "wlan/qca/ts_settings_qca.h"
 

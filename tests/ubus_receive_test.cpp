@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "conf_builder.h"
+#include "event/event_dispatch.h"
 #include "event/event_hub.h"
 #include "event/ubus_receive.h"
 #include "sim_fixture.h"

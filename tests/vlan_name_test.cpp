@@ -2,8 +2,9 @@
 
 #include <cstring>
 
-#include "bridge/vlan_name.h"
 #include "conf_builder.h"
+#include "config/ts_vlan.h"
+#include "core/vlan_name.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #include <cstring>
 
 #include "bridge/mesh_reply.h"
-#include "core/exec.h"
+#include "core/queries.h"
 #include "core/log.h"
-#include "core/uci_query.h"
+#include "core/queries.h"
 
 uint8_t g_cap_mac[LYND_MAC_LEN] = {};
 

@@ -3,7 +3,7 @@
 #pragma once
 #include <cstdint>
 
-#include "bridge/mac_text.h"
+#include "core/mac.h"
 
 // The controller's MAC once a discovery succeeded; all zero means unknown.
 extern uint8_t g_cap_mac[LYND_MAC_LEN];

@@ -1,4 +1,5 @@
-// Host-side measurements: CPU load and interface counters.
+// Host-side measurements: CPU load, interface counters and the link checks
+// this platform has no source for.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -41,6 +42,8 @@ int lynd_check_cpu_overload(const lynd_config* conf);
 bool lynd_parse_net_dev(const char* text, size_t len, const char* ifname, if_stat* out);
 int lynd_get_if_stat(const char* ifname, if_stat* stat_out);
 
-// Sorts n values in descending order; the count of leading non-zero values
-// (8 bits, it wraps).
-uint8_t lynd_sort_array(uint16_t* values, int n);
+// No source for these on this platform: each answers 0.
+int lynd_check_abnormal_link(uint32_t type);
+int lynd_check_eth_has_neigh(const lynd_config* conf, const char* name);
+int update_eth_traffic_ports(lynd_config* conf, int count, conf_interface* const* ports);
+int eth_traffic_is_active();

@@ -52,3 +52,11 @@ int lynd_get_if_stat(const char* ifname, if_stat* stat_out) {
     *stat_out = s;
     return 1;
 }
+
+int lynd_check_abnormal_link(uint32_t) { return 0; }
+
+int lynd_check_eth_has_neigh(const lynd_config*, const char*) { return 0; }
+
+int update_eth_traffic_ports(lynd_config*, int, conf_interface* const*) { return 0; }
+
+int eth_traffic_is_active() { return 0; }

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "bridge/mac_text.h"
+#include "core/mac.h"
 
 namespace {
 

@@ -98,17 +98,3 @@ int lynd_check_norelay_port(uint32_t ifindex, int count, conf_interface* const* 
     }
     return 0;
 }
-
-int lynd_get_bridge_mac(const char* ifname, uint8_t* mac_out) {
-    switch (lynd::host().get_hwaddr(ifname, mac_out)) {
-    case lynd::HwAddrResult::OK:
-        return 1;
-    case lynd::HwAddrResult::SOCKET_FAILED:
-        LYND_ERR("socket");
-        return 0;
-    case lynd::HwAddrResult::IOCTL_FAILED:
-        LYND_ERR("ioctl");
-        return 0;
-    }
-    return 0;
-}

@@ -4,7 +4,6 @@
 #include <cstdint>
 
 #include "config/lynd_config.h"
-#include "core/module.h"
 
 constexpr int LYND_MAX_PORTS = 128;
 constexpr int PORT_ENTRY_SIZE = 52;
@@ -14,9 +13,6 @@ constexpr int KREL_MSG_HEADER = 52;
 constexpr int KREL_PAYLOAD_LEN_OFFSET = 44;
 constexpr int HYFI_NETLINK_PROTOCOL = 25;
 
-// WORK_MODE_FAP on the controller, WORK_MODE_RE everywhere else.
-uint32_t lynd_get_work_mode();
-
 int lynd_check_active_bridge(const char* bridge_name);
 
 // ports_out has room for LYND_MAX_PORTS records; the bridge's order is kept.
@@ -24,13 +20,6 @@ int lynd_get_active_ports(lynd_config* conf, const char* bridge_name, conf_inter
 int lynd_get_path_ports(lynd_config* conf, const char* bridge_name, conf_interface** ports_out);
 
 int lynd_check_norelay_port(uint32_t ifindex, int count, conf_interface* const* ports);
-
-int lynd_get_bridge_mac(const char* ifname, uint8_t* mac_out);
-
-lynd_module* lynd_get_mod_contex(lynd_list* modules, uint32_t id);
-
-// Asks every listener to configure the bridges for the node's own mode.
-void lynd_run_configure_bridge();
 
 // Pure: the port indexes of a port-query reply (header and payload), at most
 // max of them and never more than the payload can hold.

@@ -2,7 +2,7 @@
 
 #include "bridge/mesh_reply.h"
 #include "bridge/switch_vlan.h"
-#include "core/exec.h"
+#include "core/queries.h"
 #include "core/log.h"
 
 namespace {

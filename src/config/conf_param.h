@@ -2,7 +2,7 @@
 #pragma once
 #include <cstdint>
 
-#include "config/if_type.h"
+#include "core/types.h"
 
 struct conf_param {
     uint32_t short_period;  // ms

@@ -27,6 +27,3 @@ conf_interface* config_find_interface_by_name(lynd_config* conf, const char* nam
 conf_interface* config_find_interface_by_index(lynd_config* conf, uint32_t ifindex);
 bool config_index_to_name(uint32_t ifindex, char* name);
 bool config_get_util_compensation();
-
-void config_bridge(lynd_config* conf);
-void config_bridge_revert(lynd_config* conf);

@@ -21,3 +21,8 @@ void config_load(lynd_config* conf, const char* filename) {
         LYND_FATAL("invalid interface type");
     }
 }
+
+void config_free(lynd_config* conf) {
+    conf->n_bridges = 0;
+    conf->n_interfaces = 0;
+}

@@ -1,7 +1,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "bridge/vlan_name.h"
+#include "core/vlan_name.h"
 #include "config/config.h"
 #include "config/config_param.h"
 #include "config/json_read.h"

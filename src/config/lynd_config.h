@@ -4,13 +4,12 @@
 
 #include "config/conf_param.h"
 #include "config/conf_ts.h"
-#include "config/if_type.h"
+#include "core/event_records.h"
 #include "core/list.h"
-#include "event/event_hub.h"
+#include "core/types.h"
 
 constexpr int LYND_MAX_BRIDGES = 8;
 constexpr int LYND_MAX_INTERFACES = 128;
-constexpr int LYND_NAME_LEN = 16;  // 15 characters and the terminator
 
 constexpr uint32_t BR_FLAG_LOOP_AVOIDANCE = 1u << 0;
 constexpr uint32_t BR_FLAG_PATH_SELECTION = 1u << 1;

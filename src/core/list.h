@@ -1,5 +1,6 @@
 // The doubly linked circular list used for modules, listeners and clients.
 #pragma once
+#include <cstddef>
 
 struct lynd_list {
     lynd_list* next;
@@ -36,3 +37,6 @@ inline void lynd_list_del(lynd_list* item) {
     item->next = nullptr;
     item->prev = nullptr;
 }
+
+// The record that holds member at offset (from offsetof).
+inline void* lynd_container_of(void* member, size_t offset) { return static_cast<char*>(member) - offset; }

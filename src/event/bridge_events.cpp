@@ -7,6 +7,7 @@
 #include "bridge/port_inventory.h"
 #include "config/lynd_config.h"
 #include "core/log.h"
+#include "event/event_dispatch.h"
 #include "event/netlink_datagram.h"
 #include "platform/seams.h"
 

@@ -1,6 +1,6 @@
 // Events of the hybrid bridge, read from its netlink protocol.
 #pragma once
-#include "event/event_hub.h"
+#include "core/event_records.h"
 
 constexpr int HYFI_EVENT_PROTOCOL = 26;
 

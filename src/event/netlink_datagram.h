@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "event/event_types.h"
+#include "core/event_records.h"
 
 constexpr size_t NL_RECV_BUF_SIZE = 16384;
 constexpr size_t NLMSG_HEADER_LEN = 16;

@@ -3,7 +3,7 @@
 #pragma once
 #include <cstdint>
 
-#include "event/event_types.h"
+#include "core/event_records.h"
 #include "platform/bus.h"
 
 // 1 gives TRI_ON, 0 TRI_OFF, anything else or absence TRI_KEEP.

@@ -2,12 +2,13 @@
 
 #include <cstring>
 
-#include "config/traffic_separation.h"
 #include "core/log.h"
 #include "event/bridge_events.h"
+#include "event/event_dispatch.h"
 #include "event/ubus_decode.h"
 #include "event/ubus_policy.h"
 #include "platform/seams.h"
+#include "wlan/traffic_separation.h"
 
 using lynd::BusAttr;
 using lynd::BusMessage;

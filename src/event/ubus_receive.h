@@ -1,6 +1,6 @@
 // The "lynd.*" events from the bus, decoded and handed to the hub.
 #pragma once
-#include "event/event_hub.h"
+#include "core/event_records.h"
 #include "platform/bus.h"
 
 void event_ubus_init(event_hub* ev);

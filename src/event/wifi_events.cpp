@@ -7,6 +7,7 @@
 #include "config/config.h"
 #include "core/log.h"
 #include "core/wire.h"
+#include "event/event_dispatch.h"
 #include "event/netlink_datagram.h"
 #include "platform/seams.h"
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "event/event_hub.h"
+#include "core/event_records.h"
 
 constexpr uint32_t RTMGRP_LINK_GROUP = 1;
 

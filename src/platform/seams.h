@@ -1,6 +1,6 @@
 // One instance of each seam is installed at start-up (tests install fakes).
 #pragma once
-#include "bridge/krel_api.h"
+#include "platform/krel_api.h"
 #include "platform/bus.h"
 #include "platform/host.h"
 #include "platform/loop.h"

@@ -1,5 +1,9 @@
 #include "wlan/wlan_platform.h"
 
+#include "wlan/qca/wlan_platform_qca.h"
+
+const wlan_platform* wlan_platform_ops = &wlan_platform_qca;
+
 namespace {
 
 // The slot when the table and the slot are both set, else null.

@@ -5,7 +5,7 @@ extern "C" {
 }
 
 #include "event/ubus_policy.h"
-#include "platform/openwrt/ubus_message.h"
+#include "targets/openwrt/ubus_message.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #pragma once
 #include <cstdint>
 
-#include "config/if_type.h"
+#include "core/types.h"
 
 // The backhaul station interface of each type; the second 5 GHz path has none.
 extern const char* const link_ifname[IF_TYPE_MAX];

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "bridge/link_activation.h"
+#include "wlan/link_activation.h"
 #include "core/log.h"
 #include "platform/seams.h"
 #include "wlan/qca/if_type_qca.h"

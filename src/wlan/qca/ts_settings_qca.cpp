@@ -5,8 +5,8 @@
 #include <cstring>
 
 #include "config/conf_ts.h"
-#include "core/uci_query.h"
-#include "event/event_types.h"
+#include "core/queries.h"
+#include "core/types.h"
 
 namespace {
 

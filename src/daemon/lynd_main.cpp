@@ -1,0 +1,81 @@
+#include "daemon/lynd_main.h"
+
+#include "config/config.h"
+#include "config/lynd_config.h"
+#include "wlan/traffic_separation.h"
+#include "core/log.h"
+#include "daemon/options.h"
+#include "daemon/platform_hooks.h"
+#include "event/event_dispatch.h"
+#include "event/event_hub.h"
+
+namespace {
+
+// The context lives for the whole process, as the hub and l_ev point into it.
+lynd_config g_conf;
+
+void start_modules(lynd_config* conf, const lynd_module_table& modules) {
+    for (size_t i = 0; i < modules.count; i++) {
+        lynd_module* m = modules.inits[i](conf);
+        if (m == nullptr)
+            continue;
+        LYND_WARN("%s initialized", m->name);
+        lynd_list_add(&m->list, &conf->modules);
+    }
+}
+
+// Newest first: path selection stops before loop avoidance.
+void stop_modules(lynd_config* conf) {
+    lynd_list* p = conf->modules.next;
+    while (p != &conf->modules) {
+        lynd_list* next = p->next;
+        lynd_list_del(p);
+        lynd_module* m = lynd_module_of(p);
+        m->finit(m);
+        p = next;
+    }
+}
+
+}  // namespace
+
+int lynd_main(int argc, char** argv) { return lynd_main_with(argc, argv, lynd_module_inits); }
+
+int lynd_main_with(int argc, char** argv, const lynd_module_table& modules) {
+    lynd_options opt{};
+    switch (lynd_parse_options(argc, argv, &opt)) {
+    case lynd_option_action::RUN:
+        break;
+    case lynd_option_action::USAGE:
+        return 1;
+    case lynd_option_action::HELP:
+    case lynd_option_action::TEST:
+        return 0;
+    }
+    g_dgb_lvl = g_lynd_dgb_lvl;
+    LYND_LOG("set libkrel g_dgb_lvl=%d!", g_dgb_lvl);
+
+    lynd_config* conf = &g_conf;
+    *conf = lynd_config{};
+    lynd_list_init(&conf->modules);
+
+    config_load(conf, opt.config_path);
+    if (!conf->enable) {
+        LYND_ERR("lynd disabled");
+        return 0;
+    }
+    traffic_separation_config_load(conf);
+    config_dump(conf);
+    config_bridge(conf);
+    event_init(&conf->ev);
+    l_ev = &conf->ev;
+    start_modules(conf, modules);
+
+    event_loop(&conf->ev);
+
+    config_bridge_revert(conf);
+    stop_modules(conf);
+    event_free(&conf->ev);
+    l_ev = nullptr;
+    config_free(conf);
+    return 0;
+}

@@ -1,0 +1,232 @@
+#include "targets/linux/linux_host.h"
+
+#include <fcntl.h>
+#include <arpa/inet.h>
+#include <linux/if_packet.h>
+#include <linux/netlink.h>
+#include <net/if.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+
+extern char** environ;
+
+namespace lynd {
+
+namespace {
+
+// Starts argv with its standard output on out_fd (-1: inherited).
+pid_t spawn(const char* const argv[], int out_fd, int close_fd) {
+    posix_spawn_file_actions_t fa;
+    if (posix_spawn_file_actions_init(&fa) != 0)
+        return -1;
+    if (out_fd >= 0) {
+        posix_spawn_file_actions_adddup2(&fa, out_fd, STDOUT_FILENO);
+        posix_spawn_file_actions_addclose(&fa, out_fd);
+        posix_spawn_file_actions_addclose(&fa, close_fd);
+    }
+    pid_t pid = -1;
+    int rc = posix_spawnp(&pid, argv[0], &fa, nullptr, const_cast<char* const*>(argv), environ);
+    posix_spawn_file_actions_destroy(&fa);
+    return rc == 0 ? pid : -1;
+}
+
+int wait_status(pid_t pid) {
+    int status = 0;
+    while (waitpid(pid, &status, 0) < 0) {
+        if (errno != EINTR)
+            return -1;
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+}  // namespace
+
+LinuxHost::LinuxHost(const char* console) : console_path_(console) {}
+
+LinuxHost::~LinuxHost() {
+    if (console_fd_ >= 0)
+        ::close(console_fd_);
+}
+
+int LinuxHost::run_capture(const char* const argv[], char* out, size_t size) {
+    int fds[2];
+    if (pipe2(fds, O_CLOEXEC) != 0)
+        return -1;
+    pid_t pid = spawn(argv, fds[1], fds[0]);
+    ::close(fds[1]);
+    if (pid < 0) {
+        ::close(fds[0]);
+        return -1;
+    }
+    size_t got = 0;
+    while (got < size) {
+        ssize_t n = ::read(fds[0], out + got, size - got);
+        if (n > 0)
+            got += static_cast<size_t>(n);
+        else if (n == 0 || errno != EINTR)
+            break;
+    }
+    ::close(fds[0]);
+    (void)wait_status(pid);
+    return static_cast<int>(got);
+}
+
+int LinuxHost::run_status(const char* const argv[]) {
+    pid_t pid = spawn(argv, -1, -1);
+    return pid < 0 ? -1 : wait_status(pid);
+}
+
+void LinuxHost::console_write(const char* line, size_t len) {
+    int fd = STDERR_FILENO;
+    if (console_path_ != nullptr) {
+        if (console_fd_ < 0)
+            console_fd_ = ::open(console_path_, O_WRONLY | O_NOCTTY | O_CLOEXEC);
+        if (console_fd_ < 0)
+            return;  // no console: the line is lost, as on the device
+        fd = console_fd_;
+    }
+    while (len > 0) {
+        ssize_t n = ::write(fd, line, len);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return;
+        line += n;
+        len -= static_cast<size_t>(n);
+    }
+}
+
+unsigned LinuxHost::if_nametoindex(const char* name) { return ::if_nametoindex(name); }
+
+bool LinuxHost::if_indextoname(unsigned ifindex, char* name) {
+    return ::if_indextoname(ifindex, name) != nullptr;
+}
+
+long LinuxHost::read_file(const char* path, char* buf, size_t size) {
+    int fd = ::open(path, O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return -1;
+    size_t got = 0;
+    while (got < size) {
+        ssize_t n = ::read(fd, buf + got, size - got);
+        if (n > 0)
+            got += static_cast<size_t>(n);
+        else if (n == 0 || errno != EINTR)
+            break;
+    }
+    ::close(fd);
+    return static_cast<long>(got);
+}
+
+bool LinuxHost::write_file(const char* path, const char* data, size_t len) {
+    char tmp[256];
+    if (std::snprintf(tmp, sizeof tmp, "%s.tmp", path) >= static_cast<int>(sizeof tmp))
+        return false;
+    int fd = ::open(tmp, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    if (fd < 0)
+        return false;
+    bool ok = true;
+    while (len > 0 && ok) {
+        ssize_t n = ::write(fd, data, len);
+        if (n < 0 && errno == EINTR)
+            continue;
+        ok = n > 0;
+        if (ok) {
+            data += n;
+            len -= static_cast<size_t>(n);
+        }
+    }
+    ok = (::close(fd) == 0) && ok;
+    if (ok && ::rename(tmp, path) == 0)
+        return true;
+    ::unlink(tmp);
+    return false;
+}
+
+HwAddrResult LinuxHost::get_hwaddr(const char* ifname, uint8_t* mac) {
+    int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (fd < 0)
+        return HwAddrResult::SOCKET_FAILED;
+    ifreq ifr{};
+    std::strncpy(ifr.ifr_name, ifname, sizeof ifr.ifr_name);
+    int rc = ::ioctl(fd, SIOCGIFHWADDR, &ifr);
+    ::close(fd);
+    if (rc < 0)
+        return HwAddrResult::IOCTL_FAILED;
+    std::memcpy(mac, ifr.ifr_hwaddr.sa_data, 6);
+    return HwAddrResult::OK;
+}
+
+int LinuxHost::nl_socket(int protocol) {
+    int fd = ::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, protocol);
+    return fd < 0 ? -errno : fd;
+}
+
+int LinuxHost::nl_bind(int fd, uint32_t groups) {
+    sockaddr_nl addr{};
+    addr.nl_family = AF_NETLINK;
+    addr.nl_pid = static_cast<uint32_t>(pid());
+    addr.nl_groups = groups;
+    return ::bind(fd, reinterpret_cast<sockaddr*>(&addr), sizeof addr) < 0 ? -errno : 0;
+}
+
+long LinuxHost::nl_recv(int fd, void* buf, size_t size) {
+    ssize_t n;
+    do {
+        n = ::recv(fd, buf, size, MSG_DONTWAIT);
+    } while (n < 0 && errno == EINTR);
+    return n < 0 ? -errno : static_cast<long>(n);
+}
+
+int LinuxHost::close_fd(int fd) { return ::close(fd); }
+
+int LinuxHost::dgram_socket() {
+    int fd = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    return fd < 0 ? -errno : fd;
+}
+
+int LinuxHost::dev_ioctl(int fd, unsigned long request, void* arg) {
+    int rc = ::ioctl(fd, request, arg);
+    return rc < 0 ? -errno : rc;
+}
+
+int LinuxHost::packet_socket(uint16_t ethertype) {
+    int fd = ::socket(AF_PACKET, SOCK_RAW | SOCK_CLOEXEC, htons(ethertype));
+    return fd < 0 ? -errno : fd;
+}
+
+long LinuxHost::packet_send(int fd, unsigned ifindex, uint16_t ethertype, const uint8_t* dst, const void* frame,
+                            size_t len) {
+    sockaddr_ll to{};
+    to.sll_family = AF_PACKET;
+    to.sll_protocol = htons(ethertype);
+    to.sll_ifindex = static_cast<int>(ifindex);
+    std::memcpy(to.sll_addr, dst, 6);
+    ssize_t n;
+    do {
+        n = ::sendto(fd, frame, len, 0, reinterpret_cast<sockaddr*>(&to), sizeof to);
+    } while (n < 0 && errno == EINTR);
+    return n < 0 ? -errno : static_cast<long>(n);
+}
+
+timespec LinuxHost::monotonic_now() {
+    timespec ts{};
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    return ts;
+}
+
+time_t LinuxHost::wall_now() { return ::time(nullptr); }
+
+int LinuxHost::pid() { return static_cast<int>(::getpid()); }
+
+void LinuxHost::ignore_sigpipe() { ::signal(SIGPIPE, SIG_IGN); }
+
+}  // namespace lynd

@@ -1,0 +1,18 @@
+// lynd on the router: the real platform behind every seam.
+#include "daemon/lynd_main.h"
+#include "targets/linux/linux_host.h"
+#include "targets/openwrt/krel_vendor.h"
+#include "targets/openwrt/ubus_bus.h"
+#include "targets/openwrt/uci_store_libuci.h"
+#include "targets/openwrt/uloop_loop.h"
+#include "platform/seams.h"
+
+int main(int argc, char** argv) {
+    lynd::LinuxHost host("/dev/console");
+    lynd::UloopLoop loop;
+    lynd::LibUciStore uci;
+    lynd::KrelVendor krel;
+    lynd::UbusBus bus;
+    lynd::install_seams({&loop, &host, &uci, &krel, &bus});
+    return lynd_main(argc, argv);
+}
