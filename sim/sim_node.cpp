@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "daemon/lynd_main.h"
+#include "daemon/process_state.h"
 #include "event/bridge_events.h"
 #include "platform/seams.h"
 #include "sim/netlink_craft.h"
@@ -18,6 +19,7 @@ size_t RunOutcome::failed() const {
 }
 
 SimNode::SimNode(const Scenario& sc) : sc_(sc) {
+    lynd_process_state_reset();
     host_.set_clock(&loop_);
     host_.set_cpu(&cpu_);
     host_.set_driver(&wlan_);

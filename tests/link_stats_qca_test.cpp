@@ -1,6 +1,6 @@
 #include "qca_driver_fake.h"
-#include "wlan/qca/if_type_qca.h"
 #include "wlan/qca/link_stats_qca.h"
+#include "wlan/wlan.h"
 #include "wlan/wlan_platform.h"
 
 namespace {

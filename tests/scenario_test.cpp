@@ -6,6 +6,7 @@
 #include <iterator>
 #include <string>
 
+#include "sim/report.h"
 #include "sim/scenario.h"
 #include "sim/sim_node.h"
 #include "sim/state_dir.h"
@@ -159,6 +160,41 @@ TEST(StateDir, WritesTheNodesFilesAndRefusesAnEscape) {
     rmdir((std::string(dir) + "/out/tmp").c_str());
     rmdir((std::string(dir) + "/out").c_str());
     rmdir(dir);
+}
+
+}  // namespace
+
+namespace {
+
+std::string report_of(const Scenario& sc) {
+    const lynd::Seams saved = lynd::installed_seams();
+    lynd::SimNode node(sc);
+    lynd::RunOutcome o = node.run("lynd", {});
+    lynd::install_seams(saved);
+    char* text = nullptr;
+    size_t len = 0;
+    std::FILE* out = open_memstream(&text, &len);
+    lynd::print_report(out, sc, o, node);
+    for (const auto& line : node.host().console_lines())
+        std::fprintf(out, "%s", line.c_str());
+    std::fclose(out);
+    std::string report(text, len);
+    std::free(text);
+    return report;
+}
+
+// Process-wide records left over from one run must not steer the next.
+TEST(SimNodeRun, ARunRepeatedInOneProcessGivesTheSameReport) {
+    for (const char* name : {"demo", "bus_and_netlink_events", "traffic_separation", "bridge_failures"}) {
+        std::ifstream in(std::string(LYND_SOURCE_DIR) + "/scenarios/" + name + ".json");
+        std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        Scenario sc;
+        std::string error;
+        ASSERT_TRUE(parse(text, &sc, &error)) << name << ": " << error;
+        const std::string first = report_of(sc);
+        EXPECT_EQ(first, report_of(sc)) << name;
+        EXPECT_NE(std::string::npos, first.find("0 failed")) << first;
+    }
 }
 
 }  // namespace

@@ -2,12 +2,13 @@
 
 #include "config/config.h"
 #include "config/lynd_config.h"
-#include "wlan/traffic_separation.h"
 #include "core/log.h"
 #include "daemon/options.h"
 #include "daemon/platform_hooks.h"
+#include "daemon/process_state.h"
 #include "event/event_dispatch.h"
 #include "event/event_hub.h"
+#include "wlan/traffic_separation.h"
 
 namespace {
 
@@ -41,6 +42,7 @@ void stop_modules(lynd_config* conf) {
 int lynd_main(int argc, char** argv) { return lynd_main_with(argc, argv, lynd_module_inits); }
 
 int lynd_main_with(int argc, char** argv, const lynd_module_table& modules) {
+    lynd_process_state_reset();
     lynd_options opt{};
     switch (lynd_parse_options(argc, argv, &opt)) {
     case lynd_option_action::RUN:

@@ -1,9 +1,9 @@
 #include "wlan/link_state.h"
 
 #include "core/log.h"
-#include "wlan/qca/if_type_qca.h"
 #include "wlan/link_records.h"
 #include "wlan/qca/link_stats_qca.h"
+#include "wlan/wlan.h"
 
 link_state_flags g_link_state = {};
 

@@ -1,3 +1,4 @@
+// What the driver tells of a wireless link.
 #pragma once
 #include <cstdint>
 
@@ -15,4 +16,10 @@ struct wlan_link_info {
 struct wlan_rate {
     uint16_t tx;  // Mbps
     uint16_t rx;
+};
+
+// A link's byte counters as the driver keeps them.
+struct wlan_link_counters {
+    uint64_t tx_bytes;
+    uint64_t rx_bytes;
 };

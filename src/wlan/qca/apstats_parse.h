@@ -3,10 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
-struct wlan_link_counters {
-    uint64_t tx_bytes;
-    uint64_t rx_bytes;
-};
+#include "wlan/wlan_link_info.h"
+
 
 // Pure: only lines (read 511 bytes at a time) that hold "x Data Bytes" count;
 // one holding "Tx" gives tx_bytes from the number after its first "= ", "Rx"

@@ -1,10 +1,10 @@
-#include "wlan/qca/if_type_qca.h"
+#include "core/log.h"
+#include "platform/seams.h"
+#include "wlan/wlan.h"
 
 #include <cctype>
 #include <cstring>
 
-#include "core/log.h"
-#include "platform/seams.h"
 
 const char* const link_ifname[IF_TYPE_MAX] = {nullptr, "ath02", "ath12", "", "ath22"};
 

@@ -3,12 +3,12 @@
 #include <cstdio>
 #include <cstring>
 
-#include "wlan/link_activation.h"
 #include "core/log.h"
 #include "platform/seams.h"
-#include "wlan/qca/if_type_qca.h"
+#include "wlan/link_activation.h"
 #include "wlan/qca/link_stats_qca.h"
 #include "wlan/qca/qca_request.h"
+#include "wlan/wlan.h"
 
 namespace {
 

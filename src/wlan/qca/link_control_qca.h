@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "config/conf_param.h"
+#include "wlan/wlan.h"
 
 // Sends activate_pkts dummy frames to every peer; the number of peers.
 uint8_t wlan_activate_links_qca(const char* ifname, const conf_param* param);
@@ -11,6 +12,3 @@ uint8_t wlan_activate_links_qca(const char* ifname, const conf_param* param);
 // of peers.
 uint8_t wlan_activate_links_for_ap_qca(const char* ifname, const conf_param* param);
 void wlan_delete_wds_entry_qca(const char* ifname, const uint8_t* mac);
-// Asks the station's supplicant of a wireless type (1..4) to reconnect: the
-// tool's exit status, or -1 for a type without a station interface.
-int wlan_restart_link(uint32_t type);

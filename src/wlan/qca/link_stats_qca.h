@@ -4,19 +4,13 @@
 #include <cstdint>
 
 #include "wlan/qca/apstats_parse.h"
-#include "wlan/wlan_link_info.h"
+#include "wlan/wlan.h"
 
 // links has room for QCA_STA_MAX_LINKS (16) records; uplink is not used.
 uint8_t wlan_get_links_qca(const char* ifname, wlan_link_info* links, bool uplink);
-// 1 and the interface's first peer, or 0.
-int wlan_get_links_v2(const char* ifname, wlan_link_info* link);
-// The peers of an associated interface, at most max (links has room for max).
-int wlan_get_sta_links(const char* ifname, wlan_link_info* links, int max);
 // The first peer's rates and signal; false when there is no peer.
 bool wlan_get_uplink_rate_qca(const char* ifname, wlan_rate* rate, int8_t* rssi);
 // path_type and uplink are not used.
 bool wlan_get_channel_utilization_qca(const char* ifname, uint8_t* util, uint32_t path_type, bool uplink);
-// 1 when both counters were read; a counter not read keeps its value.
-int wlan_get_link_counters(const char* ifname, wlan_link_counters* counters);
 // 1 when the station interface is associated with an access point.
 int lynd_get_wireless_link_state(const char* ifname);

@@ -1,0 +1,19 @@
+#include "daemon/process_state.h"
+
+#include "bridge/controller.h"
+#include "bridge/host_stats.h"
+#include "bridge/hybrid_tables.h"
+#include "core/log.h"
+#include "event/event_dispatch.h"
+#include "wlan/wlan.h"
+
+void lynd_process_state_reset() {
+    g_lynd_dgb_lvl = LYND_LVL_ERR;
+    g_dgb_lvl = 0;
+    lynd_cpu_sampler_reset();
+    lynd_link_state_reset();
+    wlan_link_records_reset();
+    lynd_cap_mac_reset();
+    lynd_tables_reset();
+    l_ev = nullptr;
+}
