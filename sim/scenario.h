@@ -57,6 +57,7 @@ struct Scenario {
     std::vector<SimInterface> interfaces;
     std::vector<ScenarioBridge> bridges;
     std::map<std::string, int> bridge_failures;  // library call -> its result
+    std::map<std::string, std::string> files;    // path -> raw content; wins over config
     std::vector<CpuPoint> cpu;
     std::map<std::string, SimLink> links;
     std::map<std::string, std::vector<SimStation>> stations;

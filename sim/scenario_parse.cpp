@@ -19,6 +19,8 @@ constexpr size_t kMaxUciPath = 255;
 constexpr size_t kMaxCmdline = 512;
 constexpr size_t kMaxToolOutput = 64 * 1024;
 constexpr size_t kMaxArgs = 64;
+constexpr size_t kMaxFilePath = 255;
+constexpr size_t kMaxFileSize = 1024 * 1024;
 constexpr size_t kMaxScenarioSize = 16 * 1024 * 1024;
 
 using Reader = JsonReader;
@@ -101,7 +103,26 @@ void parse_tool(Reader& r, const char* cmdline, json_object* val, ScenarioTool* 
     }
 }
 
+// An absolute path that stays below the node's root, and raw text.
+void parse_files(Reader& r, json_object* files, Scenario* out) {
+    json_object_object_foreach(files, path, val) {
+        std::string p = path;
+        bool climbs = (p + "/").find("/../") != std::string::npos;
+        if (p.size() < 2 || p[0] != '/' || p.size() > kMaxFilePath || climbs) {
+            r.fail("file " + quoted(path) + " needs an absolute path of at most 255 characters without \"..\"");
+            return;
+        }
+        if (!json_is(val, json_type_string) || json_object_get_string_len(val) > static_cast<int>(kMaxFileSize)) {
+            r.fail("file " + quoted(path) + " needs its content as a string of at most 1 MiB");
+            return;
+        }
+        out->files[p] = std::string(json_object_get_string(val), static_cast<size_t>(json_object_get_string_len(val)));
+    }
+}
+
 void parse_node(Reader& r, json_object* node, Scenario* out) {
+    if (json_object* files = json_object_member(r, node, "files"))
+        parse_files(r, files, out);
     if (json_object* uci = json_object_member(r, node, "uci"))
         parse_uci(r, uci, out);
     if (json_object* tools = json_object_member(r, node, "tools")) {

@@ -102,6 +102,9 @@ public:
     void ignore_sigpipe() override {}
 
 private:
+    static constexpr int kFirstNlFd = 100;
+    static constexpr int kFirstSocketFd = 1000;
+
     struct Tool {
         std::string output;
         int status = 0;

@@ -52,6 +52,8 @@ void SimNode::build_node() {
         wlan_.set_stations(kv.first, kv.second);
     if (sc_.has_config)
         host_.set_file("/etc/lynd.json", sc_.config_text);
+    for (const auto& kv : sc_.files)
+        host_.set_file(kv.first, kv.second);
 }
 
 void SimNode::arm_timeline() {

@@ -68,6 +68,9 @@ TEST(ScenarioParse, BadInputIsNamed) {
         {R"({"node": {"interfaces": [{"name": "a", "ifindex": 3, "mac": "02-00-00-00-01-12"}]}})", "bad \"mac\""},
         {R"({"node": {"interfaces": [{"name": "a", "ifindex": 3, "mac": "02:00:00:00:01:1g"}]}})", "bad \"mac\""},
         {R"({"node": {"interfaces": [{"name": "a", "ifindex": 0}]}})", "\"ifindex\""},
+        {R"({"node": {"files": {"etc/lynd.json": ""}}})", "absolute path"},
+        {R"({"node": {"files": {"/tmp/../etc/passwd": ""}}})", "absolute path"},
+        {R"({"node": {"files": {"/tmp/x": 3}}})", "content as a string"},
     };
     for (const auto& c : cases) {
         Scenario sc;
