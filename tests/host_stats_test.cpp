@@ -68,6 +68,23 @@ TEST_F(HostStatsTest, InterfaceCountersTakeTheFirstMatchingLine) {
     EXPECT_EQ(8u, s.tx_packets);
 }
 
+// A node with hundreds of VLAN and WDS interfaces: the ones read are found,
+// and one past what can be read is said to be so, not silently missing.
+TEST_F(HostStatsTest, ALongInterfaceListIsReadOrSaidToBeCut) {
+    g_lynd_dgb_lvl = LYND_LVL_WARN;
+    std::string text;
+    for (int i = 0; i < 1000; i++)
+        text += "  ath1" + std::to_string(i) + ": 100 1 0 0 0 0 0 0 " + std::to_string(i) + " 2 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n";
+    host.set_file("/proc/net/dev", text);
+    if_stat s{};
+    ASSERT_EQ(1, lynd_get_if_stat("ath1400", &s));
+    EXPECT_EQ(400u, s.tx_bytes);
+    EXPECT_TRUE(host.console_lines().empty());
+    EXPECT_EQ(0, lynd_get_if_stat("ath1999", &s));
+    EXPECT_TRUE(host.logged("<LYND_WARN>[lynd_get_if_stat, "));
+    EXPECT_TRUE(host.logged("] /proc/net/dev is cut at 65536 bytes, ath1999 is not in what was read"));
+}
+
 TEST_F(HostStatsTest, SortCountsLeadingNonZeroValues) {
     uint16_t v[] = {0, 5, 0, 9};
     EXPECT_EQ(2, lynd_sort_array(v, 4));

@@ -65,6 +65,41 @@ TEST_F(HybridTablesTest, FailureWithinTheCapacityIsQuietAndFinal) {
     EXPECT_EQ(0, lynd_get_hyfi_bridge_table("br-lan", 3, &table, &count));
 }
 
+// The bridge answers the first, small fetch with the size it needs, then
+// lets the larger allocation or the second fetch fail.
+class FailingRetry : public lynd::SimBridge {
+public:
+    bool fail_alloc = false;
+    void* bridgeAllocTableBuf(int size, const char* bridge_name) override {
+        bool retry = count_calls("bridgeAllocTableBuf") > 0;
+        return fail_alloc && retry ? nullptr : SimBridge::bridgeAllocTableBuf(size, bridge_name);
+    }
+    int bridgeTableAction(const char* bridge_name, int table_type, int* count, void* buf, int flags) override {
+        bool retry = count_calls("bridgeTableAction") > 0;
+        int rc = SimBridge::bridgeTableAction(bridge_name, table_type, count, buf, flags);
+        return retry ? -1 : rc;
+    }
+};
+
+TEST_F(HybridTablesTest, AFailedRetryGivesNoTableAndLeaksNoBuffer) {
+    for (bool fail_alloc : {true, false}) {
+        FailingRetry br;
+        br.fail_alloc = fail_alloc;
+        br.set_host(&host);
+        br.add_bridge("br-lan");
+        for (int i = 0; i < 600; i++)
+            br.add_hc("br-lan", hc_entry{});
+        const lynd::Seams saved = lynd::install_seams({&loop, &host, &uci, &br, &bus});
+        lynd_tables_reset();
+        host.clear_console();
+        EXPECT_EQ(0, lynd_get_hyfi_bridge_hc_table("br-lan", &table, &count));
+        lynd::install_seams(saved);
+        EXPECT_TRUE(host.logged(fail_alloc ? "] realloac buffer error" : "] get table failed again"));
+        EXPECT_EQ(600, g_hyfi_tables.hyfi_table_capacity);  // the next fetch asks for enough at once
+        EXPECT_EQ(br.count_calls("bridgeAllocTableBuf"), br.count_calls("bridgeFreeTableBuf"));
+    }
+}
+
 TEST_F(HybridTablesTest, InactiveBridgeAndAbsurdSizesGiveNoTable) {
     hc_entries(501);
     bridge.find("br-lan")->active = false;  // every fetch fails, but says nothing of size

@@ -44,29 +44,19 @@ TEST(ScenarioParse, DefaultsAndNode) {
 TEST(ScenarioParse, BadInputIsNamed) {
     const std::pair<const char*, const char*> cases[] = {
         {"[1]", "not a JSON object"},
-        {"{\"duration\": ", "not a JSON object"},
         {R"({"duration": -1})", "\"duration\""},
         {R"({"args": ["-l", 4]})", "\"args\" must be strings"},
         {R"({"timeline": [{"at": 5, "reboot": true}]})", "unknown kind"},
         {R"({"duration": 10, "timeline": [{"at": 50, "ubus": "lynd.debug"}]})", "from 0 to 10"},
         {R"({"timeline": [{"at": 1, "station_expired": "ath9"}]})", "does not have: ath9"},
-        {R"({"timeline": [{"at": 1, "netlink": {"type": 3, "body_hex": "0g"}}]})", "hex digits"},
         {R"({"node": {"interfaces": [{"name": "a-name-of-16-chr", "ifindex": 3}]}})", "is too long"},
         {R"({"node": {"interfaces": [{"name": "a", "ifindex": 3, "mac": "02:00"}]}})", "bad \"mac\""},
         {R"({"expect": [{"exit": 0, "at": 3}]})", "has no \"at\""},
         {R"({"expect": [{"file": "/tmp/x"}]})", "needs \"equals\""},
-        {R"({"expect": [{"log_contains": 3}]})", "must be a string"},
         {R"({"expect": [{"uci_write": "a.b.c"}]})", "unknown kind"},
-        {R"({} trailing)", "text after its end"},
-        {R"({"name": "a name that is far too long to fit in a report line, and goes on and on"})", "too long"},
         {R"({"node": {"uci": {"a.b.c": {"x": 1}}}})", "string, number or boolean"},
-        {R"({"node": {"uci": {"a.b.c": null}}})", "string, number or boolean"},
         {R"({"node": {"tools": {"apstats": 3}}})", "needs an output string"},
-        {R"({"node": {"tools": {"apstats": {"output": "", "status": 256}}}})", "\"status\""},
         {R"({"node": {"tools": {"": ""}}})", "command line must have"},
-        {R"({"node": {"bridges": [{"name": "br-lan", "active": "yes"}]}})", "true or false"},
-        {R"({"node": {"interfaces": [{"name": "a", "ifindex": 3, "mac": "02-00-00-00-01-12"}]}})", "bad \"mac\""},
-        {R"({"node": {"interfaces": [{"name": "a", "ifindex": 3, "mac": "02:00:00:00:01:1g"}]}})", "bad \"mac\""},
         {R"({"node": {"interfaces": [{"name": "a", "ifindex": 0}]}})", "\"ifindex\""},
         {R"({"node": {"files": {"etc/lynd.json": ""}}})", "absolute path"},
         {R"({"node": {"files": {"/tmp/../etc/passwd": ""}}})", "absolute path"},
@@ -78,19 +68,6 @@ TEST(ScenarioParse, BadInputIsNamed) {
         EXPECT_FALSE(parse(c.first, &sc, &error)) << c.first;
         EXPECT_NE(std::string::npos, error.find(c.second)) << c.first << " -> " << error;
     }
-}
-
-TEST(ScenarioParse, OverlongArgumentListsAndToolOutputsAreRefused) {
-    std::string args = R"({"args": [)";
-    for (int i = 0; i < 65; i++)
-        args += i == 0 ? "\"-l\"" : ", \"-l\"";
-    const std::string output(64 * 1024 + 1, 'x');
-    Scenario sc;
-    std::string error;
-    EXPECT_FALSE(parse(args + "]}", &sc, &error));
-    EXPECT_NE(std::string::npos, error.find("more than 64")) << error;
-    EXPECT_FALSE(parse(R"({"node": {"tools": {"apstats": ")" + output + "\"}}}", &sc, &error));
-    EXPECT_NE(std::string::npos, error.find("too long")) << error;
 }
 
 TEST(ScenarioParse, NetlinkEntriesBecomeDatagrams) {

@@ -79,21 +79,6 @@ TEST_F(WlanPlatformTest, DispatchersPassTheUplinkSide) {
     EXPECT_FALSE(wlan_get_util_adjustment("ath12", 0, &u));
 }
 
-TEST_F(WlanPlatformTest, QcaLeavesUnsupportedWorkUndone) {
-    wlan_platform_ops = &wlan_platform_qca;
-    uint8_t adj = 77, mac[6] = {};
-    EXPECT_FALSE(wlan_is_5g_low_noise(1, 1));
-    EXPECT_FALSE(lynd_update_flow_brlist());
-    EXPECT_FALSE(lynd_flush_fcache_flow_entry(1));
-    EXPECT_FALSE(lynd_get_maximal_ha_entries_from_fcache(nullptr, 0, nullptr));
-    EXPECT_EQ(0, lynd_flush_all_fcache_flow());
-    EXPECT_EQ(0, lynd_flush_fc_flow_by_mac(mac));
-    EXPECT_EQ(0, lynd_platform_test());
-    EXPECT_FALSE(wlan_get_if_tx_rx_stat("ath12", nullptr));
-    EXPECT_TRUE(wlan_get_util_adjustment("ath12", 3, &adj));
-    EXPECT_EQ(0, adj);
-}
-
 TEST_F(WlanPlatformTest, QcaMacCheckFollowsTheFirstOctetDistance) {
     wlan_platform_ops = &wlan_platform_qca;
     const uint8_t a[6] = {0x02, 1, 2, 3, 4, 5};

@@ -10,7 +10,8 @@
 namespace {
 
 constexpr size_t kLineMax = 256;
-constexpr size_t kNetDevMax = 16384;
+// Room for about 500 interfaces; a longer file is read only this far.
+constexpr size_t kNetDevMax = 64 * 1024;
 
 }  // namespace
 
@@ -46,8 +47,11 @@ int lynd_get_if_stat(const char* ifname, if_stat* stat_out) {
         return 0;
     }
     if_stat s{};
-    if (!lynd_parse_net_dev(text, static_cast<size_t>(n), ifname, &s))
+    if (!lynd_parse_net_dev(text, static_cast<size_t>(n), ifname, &s)) {
+        if (static_cast<size_t>(n) >= sizeof text)
+            LYND_WARN("/proc/net/dev is cut at %zu bytes, %s is not in what was read", sizeof text, ifname);
         return 0;
+    }
     s.time = static_cast<uint32_t>(lynd::host().wall_now());
     *stat_out = s;
     return 1;
