@@ -3,7 +3,7 @@
 
 #include "conf_builder.h"
 #include "config/config.h"
-#include "daemon/platform_hooks.h"
+#include "daemon/lynd_main.h"
 #include "sim_fixture.h"
 #include "wlan/wlan_platform.h"
 

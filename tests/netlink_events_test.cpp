@@ -133,6 +133,15 @@ TEST_F(NetlinkEventsTest, ReceiveErrorRebuildsTheSocketAndRegistersAgain) {
     EXPECT_EQ(1u, g_events.size());
 }
 
+TEST_F(NetlinkEventsTest, TearDownClosesTheBridgeSocketAndKeepsTheWirelessOne) {
+    int wifi_fd = host.nl_fd(0);
+    ASSERT_GE(wifi_fd, 0);
+    event_free(&conf.ev);
+    EXPECT_EQ(-1, host.nl_fd(HYFI_EVENT_PROTOCOL));
+    EXPECT_EQ(wifi_fd, host.nl_fd(0));
+    event_init(&conf.ev);  // for the fixture's own tear-down
+}
+
 TEST_F(NetlinkEventsTest, SocketFailuresAreFatal) {
     event_free(&conf.ev);
     host.set_nl_bind_error(HYFI_EVENT_PROTOCOL, EADDRINUSE);

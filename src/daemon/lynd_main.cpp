@@ -4,11 +4,12 @@
 #include "config/lynd_config.h"
 #include "core/log.h"
 #include "daemon/options.h"
-#include "daemon/platform_hooks.h"
 #include "daemon/process_state.h"
 #include "event/event_dispatch.h"
 #include "event/event_hub.h"
+#include "platform/seams.h"
 #include "wlan/traffic_separation.h"
+#include "wlan/wlan_platform.h"
 
 namespace {
 
@@ -38,6 +39,14 @@ void stop_modules(lynd_config* conf) {
 }
 
 }  // namespace
+
+void config_bridge(lynd_config*) { (void)lynd_platform_init(); }
+
+void config_bridge_revert(lynd_config* conf) {
+    lynd_platform_finit();
+    for (uint64_t i = 0; i < conf->n_bridges; i++)
+        (void)lynd::krel().bridgeStopAPS(conf->bridges[i].name);
+}
 
 int lynd_main(int argc, char** argv) { return lynd_main_with(argc, argv, lynd_module_inits); }
 
