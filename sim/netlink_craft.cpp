@@ -73,6 +73,11 @@ bool craft_bridge_datagram(json_object* entry, std::string* out, std::string* pr
     return true;
 }
 
+std::string craft_bridge_message(uint32_t type, const void* body, size_t len) {
+    return nlmsg(static_cast<uint32_t>(16 + len), static_cast<uint16_t>(type),
+                 std::string(static_cast<const char*>(body), len));
+}
+
 std::string craft_station_expired(uint32_t ifindex) {
     constexpr uint16_t kRtmNewlink = 16, kIflaWireless = 11, kIwevExpired = 0x8C04;
     std::string ifi(16, '\0');

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "sim/sim_cpu.h"
+#include "sim/sim_clients.h"
 #include "sim/sim_host.h"
 #include "sim/wlan_platform_sim.h"
 
@@ -34,15 +35,17 @@ struct TimelineEntry {
     std::string data;   // ubus payload or link fields (JSON text), or the raw netlink datagram
 };
 
-enum class ExpectKind { LOG_CONTAINS, LOG_ABSENT, EXIT, CALL, FILE_EQUALS, RUN };
+enum class ExpectKind { LOG_CONTAINS, LOG_ABSENT, EXIT, CALL, FILE_EQUALS, RUN, CLIENT_PATH, CLIENT_MOVES };
 
 struct Expectation {
     int64_t at_ms = -1;  // -1: at the end of the run
     ExpectKind kind = ExpectKind::LOG_CONTAINS;
-    std::string text;    // log text, bridge call, tool command line, or file path
-    std::string equals;  // file content
+    std::string text;    // log text, bridge call, tool command line, file path, or client MAC
+    std::string equals;  // file content, or the client's path
     int value = 0;       // exit status
-    int count = -1;      // how many log lines, calls or runs; -1: at least one
+    int count = -1;      // how many log lines, calls, runs or moves; -1: at least one
+    int64_t from_ms = 0;  // moves counted from here
+    int64_t to_ms = -1;   // up to here; -1: the end of the run
 };
 
 struct Scenario {
@@ -61,6 +64,7 @@ struct Scenario {
     std::vector<CpuPoint> cpu;
     std::map<std::string, SimLink> links;
     std::map<std::string, std::vector<SimStation>> stations;
+    std::vector<SimClient> clients;
     std::vector<TimelineEntry> timeline;
     std::vector<Expectation> expect;
 };

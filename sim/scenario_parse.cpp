@@ -7,6 +7,7 @@
 #include "sim/json_reader.h"
 #include "sim/netlink_craft.h"
 #include "sim/scenario.h"
+#include "sim/scenario_clients.h"
 #include "sim/scenario_radios.h"
 
 namespace lynd {
@@ -192,6 +193,26 @@ void parse_timeline(Reader& r, json_object* list, Scenario* out) {
     }
 }
 
+// {"client": MAC, "path": NAME} or {"client": MAC, "moves": N, "from": S, "to": S}.
+void parse_client_expectation(Reader& r, json_object* o, Expectation* e) {
+    uint8_t mac[6];
+    int64_t n = 0, from = 0, to = -1;
+    if (!json_get_mac(r, o, "client", mac))
+        r.fail("a \"client\" expectation names the client by its MAC");
+    if (json_get_string(r, o, "path", &e->equals, kMaxIfname)) {
+        e->kind = ExpectKind::CLIENT_PATH;
+    } else if (json_get_int(r, o, "moves", 0, 1000000, &n)) {
+        e->kind = ExpectKind::CLIENT_MOVES;
+        e->count = static_cast<int>(n);
+        (void)json_get_int(r, o, "from", 0, INT32_MAX, &from);
+        (void)json_get_int(r, o, "to", 0, INT32_MAX, &to);
+        e->from_ms = from * 1000;
+        e->to_ms = to < 0 ? -1 : to * 1000;
+    } else if (r.ok) {
+        r.fail("a \"client\" expectation needs \"path\" or \"moves\"");
+    }
+}
+
 void parse_expectation(Reader& r, json_object* o, Expectation* e) {
     int64_t n = 0;
     if (json_get_string(r, o, "log_contains", &e->text)) {
@@ -206,11 +227,13 @@ void parse_expectation(Reader& r, json_object* o, Expectation* e) {
         e->kind = ExpectKind::FILE_EQUALS;
         if (!json_get_string(r, o, "equals", &e->equals, kMaxToolOutput))
             r.fail("a \"file\" expectation needs \"equals\"");
+    } else if (json_get_string(r, o, "client", &e->text, kMaxName)) {
+        parse_client_expectation(r, o, e);
     } else if (json_get_int(r, o, "exit", 0, 255, &n)) {
         e->kind = ExpectKind::EXIT;
         e->value = static_cast<int>(n);
     } else if (r.ok) {
-        r.fail("expectation of an unknown kind (log_contains, log_absent, call, run, file, exit)");
+        r.fail("expectation of an unknown kind (log_contains, log_absent, call, run, file, client, exit)");
     }
     if (json_get_int(r, o, "count", 0, 1000000, &n))
         e->count = static_cast<int>(n);
@@ -261,6 +284,7 @@ void parse_top(Reader& r, json_object* root, Scenario* out) {
     if (json_object* node = json_object_member(r, root, "node"))
         parse_node(r, node, out);
     parse_radios(r, root, out);
+    parse_clients(r, root, out);
     parse_timeline(r, json_array_member(r, root, "timeline"), out);
     parse_expect(r, json_array_member(r, root, "expect"), out);
 }
@@ -314,9 +338,13 @@ bool scenario_parse(const char* text, size_t len, Scenario* out, std::string* er
 }
 
 std::string describe(const Expectation& e) {
-    static const char* const kinds[] = {"log_contains", "log_absent", "exit", "call", "file", "run"};
+    static const char* const kinds[] = {"log_contains", "log_absent", "exit", "call", "file", "run", "client", "client"};
     std::string s = kinds[static_cast<int>(e.kind)];
     s += e.kind == ExpectKind::EXIT ? " " + std::to_string(e.value) : " \"" + e.text + "\"";
+    if (e.kind == ExpectKind::CLIENT_PATH)
+        s += " path \"" + e.equals + "\"";
+    if (e.kind == ExpectKind::CLIENT_MOVES)
+        s += " moves";
     if (e.count >= 0)
         s += " count " + std::to_string(e.count);
     if (e.at_ms >= 0)

@@ -66,6 +66,13 @@ void SimBridge::add_fdb(const std::string& bridge, const uint8_t mac[6], const s
     b->fdb.push_back(e);
 }
 
+void SimBridge::del_fdb(const std::string& bridge, const uint8_t mac[6]) {
+    if (SimBridgeState* b = find(bridge))
+        b->fdb.erase(std::remove_if(b->fdb.begin(), b->fdb.end(),
+                                    [&](const fdb_entry& e) { return std::memcmp(e.mac, mac, 6) == 0; }),
+                     b->fdb.end());
+}
+
 void SimBridge::add_hc(const std::string& bridge, const hc_entry& e) {
     if (SimBridgeState* b = find(bridge))
         b->hc.push_back(e);
@@ -135,6 +142,8 @@ int SimBridge::netlink_msg(int msg_type, unsigned char* buf, int size, int proto
 }
 
 int SimBridge::copy_table(SimBridgeState& br, int table_type, int* count, void* buf) {
+    if (table_type == LYND_TABLE_HC && observer_ != nullptr)
+        observer_->before_hc_read(br);
     size_t n = table_type == LYND_TABLE_HC ? br.hc.size() : br.fdb.size();
     size_t entry = table_type == LYND_TABLE_HC ? sizeof(hc_entry) : sizeof(fdb_entry);
     if (*count < 0 || n > static_cast<size_t>(*count)) {
@@ -159,6 +168,7 @@ int SimBridge::bridgeTableAction(const char* bridge_name, int table_type, int* c
     return copy_table(*br, table_type, count, buf);
 }
 
+// The fourth argument is the client's own port, the fifth where its traffic goes.
 int SimBridge::bridgeSetHCTableEntries(const char* bridge_name, const unsigned char* client_mac,
                                        const unsigned char* id, const char* port_ifname,
                                        const char* vlan_ifname) {
@@ -174,9 +184,14 @@ int SimBridge::bridgeSetHCTableEntries(const char* bridge_name, const unsigned c
         it = br->hc.end() - 1;
         std::memcpy(it->mac, client_mac, 6);
     }
+    uint32_t old_dst = it->dst_port;
     if (id != nullptr)
         std::memcpy(it->id, id, 6);
-    it->dst_port = ifindex(str(port_ifname));
+    if (port_ifname != nullptr && port_ifname[0] != '\0')
+        it->src_port = ifindex(port_ifname);
+    it->dst_port = ifindex(str(vlan_ifname));
+    if (observer_ != nullptr)
+        observer_->hc_written(*br, client_mac, old_dst);
     return 0;
 }
 
@@ -188,6 +203,8 @@ int SimBridge::bridgeDelHCTableEntriesByMAC(const char* bridge_name, const unsig
     br->hc.erase(std::remove_if(br->hc.begin(), br->hc.end(),
                                 [&](const hc_entry& e) { return std::memcmp(e.mac, client_mac, 6) == 0; }),
                  br->hc.end());
+    if (observer_ != nullptr)
+        observer_->hc_written(*br, client_mac, 0);
     return 0;
 }
 
@@ -205,6 +222,8 @@ int SimBridge::bridgeSetHcPreferredAndFlushHCTable(const char* bridge_name, uint
     if (rc == 0 && br != nullptr) {
         br->preferred = ifindex;
         br->hc.clear();
+        if (observer_ != nullptr)
+            observer_->hc_flushed(*br);
     }
     return rc;
 }
@@ -212,8 +231,11 @@ int SimBridge::bridgeSetHcPreferredAndFlushHCTable(const char* bridge_name, uint
 int SimBridge::bridgeFlushHCTable(const char* bridge_name) {
     int rc = record("bridgeFlushHCTable", str(bridge_name));
     SimBridgeState* br = find(str(bridge_name));
-    if (rc == 0 && br != nullptr)
+    if (rc == 0 && br != nullptr) {
         br->hc.clear();
+        if (observer_ != nullptr)
+            observer_->hc_flushed(*br);
+    }
     return rc;
 }
 

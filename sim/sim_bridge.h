@@ -25,8 +25,23 @@ struct SimBridgeState {
     int hip_flushes = 0;
 };
 
+// Told of the hc table's reads and changes, so that the model's clients
+// follow what the daemon writes.
+class SimHcObserver {
+public:
+    virtual ~SimHcObserver() = default;
+    virtual void before_hc_read(SimBridgeState& br) = 0;
+    // old_dst: the entry's destination before the write, 0 for a new entry.
+    virtual void hc_written(SimBridgeState& br, const uint8_t* mac, uint32_t old_dst) = 0;
+    virtual void hc_flushed(SimBridgeState& br) = 0;
+};
+
 class SimBridge : public KrelApi {
 public:
+    void set_hc_observer(SimHcObserver* o) { observer_ = o; }
+    // The model's first bridge, or null.
+    SimBridgeState* first() { return bridges_.empty() ? nullptr : &bridges_.front(); }
+    void del_fdb(const std::string& bridge, const uint8_t mac[6]);
     void set_host(SimHost* host) { host_ = host; }
     SimBridgeState& add_bridge(const std::string& name, bool active = true);
     // Null when the model has no such bridge.
@@ -83,6 +98,7 @@ private:
     std::map<const void*, std::string> buffers_;  // payload -> bridge it was allocated for
     std::vector<std::string> calls_;
     std::map<std::string, int> results_;
+    SimHcObserver* observer_ = nullptr;
 };
 
 }  // namespace lynd

@@ -1,7 +1,9 @@
 #include "sim/sim_node.h"
 
 #include <algorithm>
+#include <cstring>
 
+#include "core/mac.h"
 #include "daemon/lynd_main.h"
 #include "daemon/process_state.h"
 #include "event/bridge_events.h"
@@ -129,6 +131,9 @@ ExpectResult SimNode::judge(const Expectation& e, int exit_status) const {
         r.passed = exit_status == e.value;
         r.why = "exit status " + std::to_string(exit_status);
         return r;
+    case ExpectKind::CLIENT_PATH:
+    case ExpectKind::CLIENT_MOVES:
+        return judge_client(e);
     case ExpectKind::FILE_EQUALS:
         r.passed = host_.has_file(e.text) && host_.file(e.text) == e.equals;
         r.why = host_.has_file(e.text) ? "file holds \"" + host_.file(e.text) + "\"" : "no such file";
@@ -139,6 +144,24 @@ ExpectResult SimNode::judge(const Expectation& e, int exit_status) const {
     else
         r.passed = e.count < 0 ? n > 0 : n == static_cast<size_t>(e.count);
     r.why = "seen " + std::to_string(n) + " times";
+    return r;
+}
+
+ExpectResult SimNode::judge_client(const Expectation& e) const {
+    ExpectResult r{&e, false, ""};
+    uint8_t mac[6] = {};
+    (void)lynd_parse_mac_text(e.text.c_str(), ':', mac);
+    if (e.kind == ExpectKind::CLIENT_PATH) {
+        std::string path = clients_.path_of(mac);
+        r.passed = path == e.equals;
+        r.why = path.empty() ? "the client has no entry" : "its entry points at " + path;
+        return r;
+    }
+    size_t n = static_cast<size_t>(std::count_if(clients_.moves().begin(), clients_.moves().end(), [&](const SimMove& m) {
+        return std::memcmp(m.mac, mac, 6) == 0 && m.at_ms >= e.from_ms && (e.to_ms < 0 || m.at_ms <= e.to_ms);
+    }));
+    r.passed = e.count < 0 ? n > 0 : n == static_cast<size_t>(e.count);
+    r.why = "moved " + std::to_string(n) + " times";
     return r;
 }
 
@@ -164,6 +187,7 @@ RunOutcome SimNode::finish(int exit_status) {
 
 RunOutcome SimNode::run(const std::string& argv0, const std::vector<std::string>& extra) {
     arm_timeline();
+    clients_.start(sc_.clients);
     std::vector<std::string> args{argv0};
     args.insert(args.end(), sc_.args.begin(), sc_.args.end());
     args.insert(args.end(), extra.begin(), extra.end());

@@ -6,6 +6,7 @@
 #include "sim/scenario.h"
 #include "sim/sim_bridge.h"
 #include "sim/sim_bus.h"
+#include "sim/sim_clients.h"
 #include "sim/sim_host.h"
 #include "sim/sim_loop.h"
 #include "sim/sim_uci.h"
@@ -39,6 +40,7 @@ public:
     SimHost& host() { return host_; }
     SimBridge& bridge() { return bridge_; }
     SimWlan& wlan() { return wlan_; }
+    SimClients& clients() { return clients_; }
 
 private:
     struct TimelineTimer {
@@ -51,6 +53,7 @@ private:
     void play(const TimelineEntry& e);
     void change_link(const TimelineEntry& e);
     ExpectResult judge(const Expectation& e, int exit_status) const;
+    ExpectResult judge_client(const Expectation& e) const;
     void build_node();
     void arm_timeline();
 
@@ -62,6 +65,7 @@ private:
     SimBus bus_;
     SimCpu cpu_;
     SimWlan wlan_{&host_, &loop_};
+    SimClients clients_{&host_, &bridge_, &wlan_, &loop_};
     std::vector<TimelineTimer> timers_;
     std::vector<ExpectResult> timed_results_;
 };

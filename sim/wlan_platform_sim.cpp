@@ -1,5 +1,6 @@
 #include "sim/wlan_platform_sim.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cinttypes>
 #include <cstdio>
@@ -44,6 +45,14 @@ void put_record(uint8_t* rec, const uint8_t* mac, uint16_t tx, uint16_t rx, int8
 
 }  // namespace
 
+void SimWlan::set_client_load(const std::string& ifname, uint32_t mbps) {
+    auto it = links_.find(ifname);
+    if (it == links_.end())
+        return;
+    catch_up(&it->second);
+    it->second.client_mbps = mbps;
+}
+
 void SimWlan::set_link(const std::string& ifname, const SimLink& link) {
     Counted& c = links_[ifname];
     c.link = link;
@@ -53,7 +62,7 @@ void SimWlan::set_link(const std::string& ifname, const SimLink& link) {
 void SimWlan::catch_up(Counted* c) {
     int64_t now = loop_ != nullptr ? loop_->now_ms() : 0;
     uint64_t ms = static_cast<uint64_t>(now - c->since_ms);
-    c->link.tx_bytes += c->link.tx_mbps * kBytesPerMbitSecond * ms / 1000;
+    c->link.tx_bytes += (c->link.tx_mbps + c->client_mbps) * kBytesPerMbitSecond * ms / 1000;
     c->link.rx_bytes += c->link.rx_mbps * kBytesPerMbitSecond * ms / 1000;
     c->since_ms = now;
 }
@@ -78,9 +87,13 @@ int SimWlan::reconnects(const std::string& ifname) const {
 // Utilisation is the channel's: every interface of a radio ("ath1x" on
 // radio 1) reports what the scenario gave a link of that radio.
 uint8_t SimWlan::radio_util(const char* ifname) const {
-    for (const auto& kv : links_)
-        if (kv.first.size() > 3 && std::strlen(ifname) > 3 && kv.first[3] == ifname[3])
-            return kv.second.link.util;
+    for (const auto& kv : links_) {
+        if (kv.first.size() > 3 && std::strlen(ifname) > 3 && kv.first[3] == ifname[3]) {
+            const Counted& c = kv.second;
+            uint32_t share = c.link.txrate != 0 ? c.client_mbps * 100u / c.link.txrate : 0;
+            return static_cast<uint8_t>(std::min<uint32_t>(100u, c.link.util + share));
+        }
+    }
     return 0;
 }
 

@@ -50,6 +50,9 @@ public:
     void set_link(const std::string& ifname, const SimLink& link);
     // The link as it stands now (counters brought up to date), or null.
     const SimLink* link(const std::string& ifname);
+    // The clients' traffic on a link, on top of its own load: it grows the
+    // transmit counter and takes its share of the radio's airtime.
+    void set_client_load(const std::string& ifname, uint32_t mbps);
     void set_stations(const std::string& ifname, const std::vector<SimStation>& stations);
     // What the driver was asked to do: "wds_delete ath1 02:00:00:00:00:09".
     const std::vector<std::string>& actions() const { return actions_; }
@@ -63,6 +66,7 @@ private:
     struct Counted {
         SimLink link;
         int64_t since_ms = 0;  // counters hold their bytes up to here
+        uint32_t client_mbps = 0;
         int reconnects = 0;
     };
     void catch_up(Counted* c);

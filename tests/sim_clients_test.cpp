@@ -1,0 +1,114 @@
+// The simulated node closes the loop: what the daemon writes into the hc
+// table moves the clients' traffic, and the bridge refills what it flushes.
+#include <cstring>
+#include <string>
+
+#include "bridge/table_entries.h"
+#include "event/bridge_events.h"
+#include "sim/sim_clients.h"
+#include "sim/wlan_platform_sim.h"
+#include "sim_fixture.h"
+#include "wlan/wlan.h"
+
+namespace {
+
+class SimClientsTest : public SimNodeTest {
+protected:
+    void SetUp() override {
+        SimNodeTest::SetUp();
+        host.set_driver(&wlan);
+        host.add_interface({"br-lan", 1, {0x02, 0, 0, 0, 0, 0x01}});
+        host.add_interface({"ath02", 2, {}});
+        host.add_interface({"ath12", 12, {}});
+        host.add_interface({"ath1", 21, {}});
+        bridge.add_bridge("br-lan");
+        for (const char* p : {"ath1", "ath02", "ath12"})
+            bridge.add_port("br-lan", p);
+        lynd::SimLink l;
+        l.txrate = 400;
+        l.util = 20;
+        wlan.set_link("ath02", l);
+        wlan.set_link("ath12", l);
+        phone.mac[5] = 0xa1;
+        phone.port = "ath1";
+        phone.mbps = 100;
+        phone.join_ms = 5000;
+        phone.leave_ms = 50000;
+    }
+    const hc_entry* entry(uint8_t last) {
+        for (const auto& e : bridge.find("br-lan")->hc)
+            if (e.mac[5] == last)
+                return &e;
+        return nullptr;
+    }
+    uint64_t tx_bytes(const char* link) { return wlan.link(link)->tx_bytes; }
+
+    lynd::SimWlan wlan{&host, &loop};
+    lynd::SimClients clients{&host, &bridge, &wlan, &loop};
+    lynd::SimClient phone;
+};
+
+TEST_F(SimClientsTest, AJoinedClientRidesTheFirstPathAndMovesWithAWrite) {
+    clients.start({phone});
+    ASSERT_NE(nullptr, entry(0x01));  // the node's own entry: the bridge is its source
+    EXPECT_EQ(1u, entry(0x01)->src_port);
+    EXPECT_EQ(2u, entry(0x01)->dst_port);
+    EXPECT_EQ(nullptr, entry(0xa1));
+    loop.advance(10000);
+    ASSERT_NE(nullptr, entry(0xa1));
+    EXPECT_EQ(21u, entry(0xa1)->src_port);
+    EXPECT_EQ("ath02", clients.path_of(phone.mac));
+    EXPECT_EQ(5u * 100u * 125000u, tx_bytes("ath02"));
+    uint8_t util = 0;
+    ASSERT_TRUE(wlan_get_channel_utilization("ath02", &util, 1));  // its own 20 % and a quarter of 400 Mbps
+    EXPECT_EQ(45, util);
+
+    ASSERT_EQ(0, bridge.bridgeSetHCTableEntries("br-lan", phone.mac, phone.mac, "ath1", "ath12"));
+    EXPECT_EQ("ath12", clients.path_of(phone.mac));
+    ASSERT_EQ(1u, clients.moves().size());
+    EXPECT_EQ("ath02", clients.moves()[0].from);
+    EXPECT_EQ("ath12", clients.moves()[0].to);
+    loop.advance(2000);
+    EXPECT_EQ(2u * 100u * 125000u, tx_bytes("ath12"));
+    EXPECT_EQ(5u * 100u * 125000u, tx_bytes("ath02"));  // the old path carries nothing more
+}
+
+TEST_F(SimClientsTest, TableReadsCountBytesSinceTheLastRead) {
+    clients.start({phone});
+    loop.advance(8000);
+    int count = LYND_MAX_CLIENTS;
+    hc_entry table[LYND_MAX_CLIENTS];
+    ASSERT_EQ(0, bridge.bridgeTableAction("br-lan", LYND_TABLE_HC, &count, table, 0));
+    ASSERT_EQ(2, count);
+    EXPECT_EQ(8u * 100u * 125000u, table[1].bytes);  // the whole run so far: no earlier read
+    EXPECT_EQ(0u, table[0].bytes);
+    loop.advance(60000);  // gone at 50 s: it sent for 42 s more
+    count = LYND_MAX_CLIENTS;
+    ASSERT_EQ(0, bridge.bridgeTableAction("br-lan", LYND_TABLE_HC, &count, table, 0));
+    EXPECT_EQ(0u, table[1].bytes);  // after leaving it sends nothing, yet keeps its entry
+    EXPECT_TRUE(bridge.find("br-lan")->fdb.empty());
+}
+
+TEST_F(SimClientsTest, AFlushedTableRefillsTowardsThePreferredPortAndIsAnnounced) {
+    int fd = host.nl_socket(HYFI_EVENT_PROTOCOL);
+    ASSERT_EQ(0, bridge.bridgeSetEventInfo("br-lan", 4242, 3, 25));
+    clients.start({phone});
+    loop.advance(10000);
+    ASSERT_EQ(0, bridge.bridgeSetHcPreferredAndFlushHCTable("br-lan", 12));
+    EXPECT_TRUE(bridge.find("br-lan")->hc.empty());
+    loop.advance(1000);
+    ASSERT_NE(nullptr, entry(0xa1));
+    EXPECT_EQ(12u, entry(0xa1)->dst_port);
+    EXPECT_EQ(12u, entry(0x01)->dst_port);
+    // Each entry the bridge learnt went out as a type-3 message: the node's
+    // own and the join, then both again at the refill.
+    int announced = 0;
+    char buf[256];
+    for (long n; (n = host.nl_recv(fd, buf, sizeof buf)) > 0; announced++) {
+        ASSERT_EQ(16 + HC_ENTRY_SIZE, n);
+        EXPECT_EQ(3, buf[4]);
+    }
+    EXPECT_EQ(4, announced);
+}
+
+}  // namespace
