@@ -1,0 +1,70 @@
+#include "modules/path_selection/emergency.h"
+
+#include "bridge/hybrid_tables.h"
+#include "bridge/port_inventory.h"
+#include "config/ts_vlan.h"
+#include "core/log.h"
+#include "core/queries.h"
+#include "modules/path_selection/client_moves.h"
+#include "wlan/wlan.h"
+
+namespace {
+
+bool off_primary_vlan(const lynd_config* conf, const hc_path& p) {
+    return conf->ts.enable && conf->ts.primary_vlan != 0 && lynd_get_ts_vlan(conf, p.name) != conf->ts.primary_vlan;
+}
+
+bool is_hc_bridge(const conf_bridge& br) {
+    return lynd_check_active_bridge(br.name) == 1 && (br.flags & BR_FLAG_PATH_SELECTION) != 0 &&
+           (br.ps_flags & PS_FLAG_HC) != 0;
+}
+
+}  // namespace
+
+void path_selection_event_link_state_hc(lynd_config* conf) {
+    lynd_set_link_state_changed(1);
+    for (uint64_t i = 0; i < conf->n_bridges; i++) {
+        if (lynd_get_work_mode() != WORK_MODE_RE)
+            return;
+        if (is_hc_bridge(conf->bridges[i]))
+            path_selection_emergency_set_preferred(&conf->bridges[i]);
+    }
+}
+
+void path_selection_emergency_set_preferred(conf_bridge* bridge) {
+    const lynd_config* conf = g_ps_conf;
+    hc_path* cand = nullptr;
+    uint32_t connected = 0;
+    for (uint32_t t = 0; t < IF_TYPE_MAX; t++) {
+        hc_path* p = &hc_paths[t];
+        if (p->state == PATH_UNINITED)
+            continue;
+        if (off_primary_vlan(conf, *p)) {
+            LYND_INFO("NOT sultable,continue\n");
+            continue;
+        }
+        if (t >= IF_TYPE_2G) {
+            bool up = lynd_check_link_state_v2(t) == 1;
+            path_selection_apply_link_state(p, up);
+            if (up) {
+                connected |= 1u << t;
+                if (cand == nullptr || p->priority > cand->priority)
+                    cand = p;
+            }
+        }
+        LYND_DEBUG("path %s: last_status %u curr_status %u", p->name, p->last_state, p->state);
+    }
+    if (connected != 0) {
+        LYND_WARN("some port disconnected, set preferred to available port\n");
+        if (cand != nullptr && cand->state > PATH_UNLINK)
+            lynd_set_link_state_changed(0);
+    }
+    if ((bridge->ps_flags & PS_FLAG_HC) == 0)
+        return;
+    if (cand != nullptr) {
+        LYND_INFO("Emergently set preferred to %s", cand->name);
+        (void)lynd_set_hc_preferred(bridge, cand->name);
+    }
+    path_selection_pre_update_uplink_path_for_hc_v2(bridge, hc_paths, cand != nullptr ? cand->type : PATH_NONE);
+    lynd_set_link_state_changed(0);
+}
