@@ -30,7 +30,7 @@ protected:
             c = hc_client{};
         path(IF_TYPE_2G, "ath02", 1);
         path(IF_TYPE_5G, "ath12", 3);
-        for (int t = 0; t < IF_TYPE_MAX; t++)
+        for (uint32_t t = 0; t < IF_TYPE_MAX; t++)
             lynd_list_init(&hc_paths[t].clients);
     }
     void path(uint32_t type, const char* name, uint8_t priority) {

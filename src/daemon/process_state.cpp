@@ -5,6 +5,8 @@
 #include "bridge/hybrid_tables.h"
 #include "core/log.h"
 #include "event/event_dispatch.h"
+#include "modules/loop_avoidance/bcast_port.h"
+#include "modules/path_selection/hc_records.h"
 #include "wlan/wlan.h"
 
 void lynd_process_state_reset() {
@@ -16,4 +18,6 @@ void lynd_process_state_reset() {
     lynd_cap_mac_reset();
     lynd_tables_reset();
     l_ev = nullptr;
+    loop_avoidance_state_reset();
+    path_selection_state_reset();
 }

@@ -1,5 +1,36 @@
-// STAND-IN until loop avoidance lands.
+// Which ports of a loop-avoidance bridge may forward broadcasts: relay
+// ports always, and per VLAN and class one non-relay port, the best linked
+// uplink. The primary one is published in the broadcast file.
 #pragma once
+#include <cstdint>
+
 #include "config/lynd_config.h"
 
+constexpr const char* BCAST_PORT_FILE = "/tmp/hybr_broadcast_port";
+
+// The name last written to the broadcast file, per configured bridge.
+struct loop_avoidance_state {
+    char last_bcast_port[LYND_MAX_BRIDGES][LYND_NAME_LEN];
+};
+extern loop_avoidance_state g_loop_avoidance;
+void loop_avoidance_state_reset();
+
+// -10 link down (Ethernet always), 0 up but abnormal, +10 up.
+int32_t lynd_get_link_prio(uint32_t type);
+conf_interface* loop_avoidance_pick_bcast_nonrelay_port(conf_interface* const* ports, int count, uint8_t if_class,
+                                                        lynd_config* conf, uint32_t vlan);
+void loop_avoidance_set_bcast_port(lynd_config* conf);
 void loop_avoidance_set_bcast_port_by_ps(lynd_config* conf, conf_bridge* bridge, const char* port_name);
+
+// The broadcast ports picked for one run: per class, per VLAN index.
+struct bcast_picks {
+    conf_interface* port[2][TS_MAX_VLANS];
+    int n_vlans;
+};
+bool loop_avoidance_picked(const bcast_picks& pk, const conf_interface* p);
+
+// The VLANs loop avoidance works over: the separated ones, else VLAN 0.
+int loop_avoidance_vlans(const lynd_config* conf, const uint32_t** vids);
+// Writes name and a newline to the broadcast file and remembers it for
+// bridge index i.
+void loop_avoidance_publish_bcast_port(int i, const char* name);

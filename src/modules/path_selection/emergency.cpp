@@ -6,6 +6,7 @@
 #include "core/log.h"
 #include "core/queries.h"
 #include "modules/path_selection/client_moves.h"
+#include "modules/path_selection/startup.h"
 #include "wlan/wlan.h"
 
 namespace {
@@ -44,13 +45,9 @@ void path_selection_emergency_set_preferred(conf_bridge* bridge) {
             continue;
         }
         if (t >= IF_TYPE_2G) {
-            bool up = lynd_check_link_state_v2(t) == 1;
-            path_selection_apply_link_state(p, up);
-            if (up) {
+            cand = path_selection_link_candidate(p, cand);
+            if (g_link_state.link_state[t] == 1)
                 connected |= 1u << t;
-                if (cand == nullptr || p->priority > cand->priority)
-                    cand = p;
-            }
         }
         LYND_DEBUG("path %s: last_status %u curr_status %u", p->name, p->last_state, p->state);
     }

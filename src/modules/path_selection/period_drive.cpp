@@ -7,6 +7,8 @@
 #include "core/log.h"
 #include "core/queries.h"
 #include "modules/path_selection/client_sync.h"
+#include "modules/path_selection/path_state.h"
+#include "modules/path_selection/sampling.h"
 #include "modules/path_selection/uplink_drive.h"
 #include "wlan/wlan.h"
 

@@ -5,6 +5,7 @@
 #include "bridge/hybrid_tables.h"
 #include "core/log.h"
 #include "modules/loop_avoidance/bcast_port.h"
+#include "modules/path_selection/best_path.h"
 #include "modules/path_selection/client_moves.h"
 #include "modules/path_selection/dumps.h"
 #include "modules/path_selection/ts_destination.h"

@@ -1,0 +1,113 @@
+#include "modules/path_selection/startup.h"
+
+#include "bridge/hybrid_tables.h"
+#include "bridge/port_inventory.h"
+#include "core/log.h"
+#include "core/queries.h"
+#include "modules/module.h"
+#include "modules/path_selection/path_selection.h"
+#include "modules/path_selection/sampling.h"
+#include "wlan/wlan.h"
+
+namespace {
+
+bool is_path_selection_bridge(const conf_bridge& br) {
+    return lynd_check_active_bridge(br.name) == 1 && (br.flags & BR_FLAG_PATH_SELECTION) != 0;
+}
+
+void show_path_ports(lynd_config* conf) {
+    conf_interface* ports[LYND_MAX_PORTS];
+    for (uint64_t i = 0; i < conf->n_bridges; i++) {
+        if (!is_path_selection_bridge(conf->bridges[i]))
+            continue;
+        int n = lynd_get_path_ports(conf, conf->bridges[i].name, ports);
+        for (int k = 0; k < n; k++)
+            LYND_INFO("[%d]path_port: %s", k, ports[k]->name);
+    }
+}
+
+void startup_ifaces(lynd_config* conf) {
+    LYND_LOG("startup_ifaces, n_bridges:%d\n", static_cast<int>(conf->n_bridges));
+    for (uint64_t i = 0; i < conf->n_bridges; i++) {
+        if (lynd_get_work_mode() != WORK_MODE_RE)
+            return;
+        conf_bridge* br = &conf->bridges[i];
+        if (!is_path_selection_bridge(*br) || (br->ps_flags & PS_FLAG_HC) == 0)
+            continue;
+        path_selection_startup_uplink(br);
+        path_selection_startup_aplink(br);
+    }
+}
+
+}  // namespace
+
+hc_path* path_selection_link_candidate(hc_path* p, hc_path* cand) {
+    bool up = lynd_check_link_state_v2(p->type) == 1;
+    path_selection_apply_link_state(p, up);
+    if (up && (cand == nullptr || p->priority > cand->priority))
+        return p;
+    return cand;
+}
+
+void path_selection_init_hc(lynd_config* conf) {
+    g_ps_conf = conf;
+    path_selection_hc_path_init(conf);
+    lynd_reset_link_state_all();
+    show_path_ports(conf);
+}
+
+void path_selection_event_startup_hc(lynd_config* conf) {
+    lynd_module* m = lynd_get_mod_contex(&conf->modules, LYND_MODULE_PATH_SELECTION);
+    if (m == nullptr) {
+        LYND_ERR("find mod");
+        return;
+    }
+    startup_ifaces(conf);
+    path_selection_arm_timers(m);
+}
+
+void path_selection_startup_uplink(conf_bridge* bridge) {
+    hc_path* cand = nullptr;
+    for (uint32_t t = 0; t < IF_TYPE_MAX; t++) {
+        hc_path* p = &hc_paths[t];
+        if (p->state == PATH_UNINITED)
+            continue;
+        if (t != IF_TYPE_ETH)
+            cand = path_selection_link_candidate(p, cand);
+        LYND_INFO("path %s: last_status %u curr_status %u", p->name, p->last_state, p->state);
+    }
+    if (cand == nullptr)
+        return;
+    LYND_INFO("startup set preferred to %s", cand->name);
+    (void)lynd_set_hc_preferred(bridge, cand->name);
+}
+
+void path_selection_startup_aplink(conf_bridge*) {
+    for (auto& p : hc_paths) {
+        for (auto& ap : p.ap_ifaces) {
+            if (ap.name[0] == '\0')
+                continue;
+            ap.wds = static_cast<uint8_t>(wlan_check_wds_by_ifname(ap.name));
+            LYND_DEBUG("ap_iface:%s wds:%d", ap.name, ap.wds);
+        }
+    }
+}
+
+void path_selection_timer_short_period_hc(lynd_config* conf) {
+    LYND_DEBUG("start");
+    for (uint64_t i = 0; i < conf->n_bridges; i++) {
+        LYND_DEBUG("bridge %s", conf->bridges[i].name);
+        if (lynd_get_work_mode() != WORK_MODE_RE)
+            return;
+        if (!is_path_selection_bridge(conf->bridges[i]))
+            continue;
+        for (uint32_t t = 0; t < IF_TYPE_MAX; t++) {
+            hc_path* p = &hc_paths[t];
+            if (p->state == PATH_UNINITED)
+                continue;
+            LYND_WARN("sample %s path(status %d) and STAs info", p->name, p->state);
+            path_selection_sample_wlan_path_info(p);
+            path_selection_sample_wlan_sta_info(hc_paths, t);
+        }
+    }
+}
