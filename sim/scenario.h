@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "sim/sim_cpu.h"
+#include "sim/sim_bridge.h"
 #include "sim/sim_clients.h"
 #include "sim/sim_host.h"
 #include "sim/wlan_platform_sim.h"
@@ -35,7 +36,21 @@ struct TimelineEntry {
     std::string data;   // ubus payload or link fields (JSON text), or the raw netlink datagram
 };
 
-enum class ExpectKind { LOG_CONTAINS, LOG_ABSENT, EXIT, CALL, FILE_EQUALS, RUN, CLIENT_PATH, CLIENT_MOVES };
+enum class ExpectKind {
+    LOG_CONTAINS,
+    LOG_ABSENT,
+    EXIT,
+    CALL,
+    FILE_EQUALS,
+    RUN,
+    CLIENT_PATH,
+    CLIENT_MOVES,
+    BRIDGE_STATE,  // text: bridge, port: one port or none, settings
+    WDS_DELETED,   // text: MAC, equals: interface or any
+    PATH_STATE,    // settings: path name -> state name
+    PREFERRED,     // equals: port name, "" for none
+    SAMPLES,       // settings: path name -> samples held
+};
 
 struct Expectation {
     int64_t at_ms = -1;  // -1: at the end of the run
@@ -44,8 +59,12 @@ struct Expectation {
     std::string equals;  // file content, or the client's path
     int value = 0;       // exit status
     int count = -1;      // how many log lines, calls, runs or moves; -1: at least one
-    int64_t from_ms = 0;  // moves counted from here
+    int64_t from_ms = 0;  // moves or calls counted from here
     int64_t to_ms = -1;   // up to here; -1: the end of the run
+    std::string port;
+    std::vector<std::pair<std::string, std::string>> settings;  // name -> expected value, as text
+    bool absent = false;  // a file that must not exist
+    int writes = -1;      // how often a file was written; -1: not asked
 };
 
 struct Scenario {
@@ -60,6 +79,7 @@ struct Scenario {
     std::vector<SimInterface> interfaces;
     std::vector<ScenarioBridge> bridges;
     std::map<std::string, int> bridge_failures;  // library call -> its result
+    std::vector<SimFailure> failure_rules;        // calls failing for a port or a span of time
     std::map<std::string, std::string> files;    // path -> raw content; wins over config
     std::vector<CpuPoint> cpu;
     std::map<std::string, SimLink> links;

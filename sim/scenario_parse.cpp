@@ -8,6 +8,7 @@
 #include "sim/netlink_craft.h"
 #include "sim/scenario.h"
 #include "sim/scenario_clients.h"
+#include "sim/scenario_expect.h"
 #include "sim/scenario_radios.h"
 
 namespace lynd {
@@ -135,9 +136,12 @@ void parse_node(Reader& r, json_object* node, Scenario* out) {
     }
     if (json_object* failures = json_object_member(r, node, "bridge_failures")) {
         json_object_object_foreach(failures, call, val) {
-            if (!json_is(val, json_type_int))
-                r.fail(std::string("bridge failure of ") + call + " must be a whole number");
-            out->bridge_failures[call] = json_object_get_int(val);
+            if (json_is(val, json_type_object) || json_is(val, json_type_array))
+                parse_failure_rules(r, call, val, out);
+            else if (!json_is(val, json_type_int))
+                r.fail(std::string("bridge failure of ") + call + " must be a whole number, a rule or a list of rules");
+            else
+                out->bridge_failures[call] = json_object_get_int(val);
         }
     }
     parse_interfaces(r, json_array_member(r, node, "interfaces"), out);
@@ -196,7 +200,7 @@ void parse_timeline(Reader& r, json_object* list, Scenario* out) {
 // {"client": MAC, "path": NAME} or {"client": MAC, "moves": N, "from": S, "to": S}.
 void parse_client_expectation(Reader& r, json_object* o, Expectation* e) {
     uint8_t mac[6];
-    int64_t n = 0, from = 0, to = -1;
+    int64_t n = 0;
     if (!json_get_mac(r, o, "client", mac))
         r.fail("a \"client\" expectation names the client by its MAC");
     if (json_get_string(r, o, "path", &e->equals, kMaxIfname)) {
@@ -204,10 +208,6 @@ void parse_client_expectation(Reader& r, json_object* o, Expectation* e) {
     } else if (json_get_int(r, o, "moves", 0, 1000000, &n)) {
         e->kind = ExpectKind::CLIENT_MOVES;
         e->count = static_cast<int>(n);
-        (void)json_get_int(r, o, "from", 0, INT32_MAX, &from);
-        (void)json_get_int(r, o, "to", 0, INT32_MAX, &to);
-        e->from_ms = from * 1000;
-        e->to_ms = to < 0 ? -1 : to * 1000;
     } else if (r.ok) {
         r.fail("a \"client\" expectation needs \"path\" or \"moves\"");
     }
@@ -225,18 +225,20 @@ void parse_expectation(Reader& r, json_object* o, Expectation* e) {
         e->kind = ExpectKind::RUN;
     } else if (json_get_string(r, o, "file", &e->text)) {
         e->kind = ExpectKind::FILE_EQUALS;
-        if (!json_get_string(r, o, "equals", &e->equals, kMaxToolOutput))
-            r.fail("a \"file\" expectation needs \"equals\"");
+        parse_file_expectation(r, o, e);
+    } else if (parse_state_expectation(r, o, e)) {
     } else if (json_get_string(r, o, "client", &e->text, kMaxName)) {
         parse_client_expectation(r, o, e);
     } else if (json_get_int(r, o, "exit", 0, 255, &n)) {
         e->kind = ExpectKind::EXIT;
         e->value = static_cast<int>(n);
     } else if (r.ok) {
-        r.fail("expectation of an unknown kind (log_contains, log_absent, call, run, file, client, exit)");
+        r.fail("expectation of an unknown kind (log_contains, log_absent, call, run, file, client, bridge, "
+               "wds_deleted, path_state, preferred, samples, exit)");
     }
     if (json_get_int(r, o, "count", 0, 1000000, &n))
         e->count = static_cast<int>(n);
+    parse_window(r, o, e);
 }
 
 void parse_expect(Reader& r, json_object* list, Scenario* out) {
@@ -338,13 +340,23 @@ bool scenario_parse(const char* text, size_t len, Scenario* out, std::string* er
 }
 
 std::string describe(const Expectation& e) {
-    static const char* const kinds[] = {"log_contains", "log_absent", "exit", "call", "file", "run", "client", "client"};
+    static const char* const kinds[] = {"log_contains", "log_absent", "exit",        "call",      "file",
+                                        "run",          "client",     "client",      "bridge",    "wds_deleted",
+                                        "path_state",   "preferred",  "samples"};
     std::string s = kinds[static_cast<int>(e.kind)];
     s += e.kind == ExpectKind::EXIT ? " " + std::to_string(e.value) : " \"" + e.text + "\"";
     if (e.kind == ExpectKind::CLIENT_PATH)
         s += " path \"" + e.equals + "\"";
     if (e.kind == ExpectKind::CLIENT_MOVES)
         s += " moves";
+    if (!e.port.empty())
+        s += " port " + e.port;
+    for (const auto& kv : e.settings)
+        s += " " + kv.first + "=" + kv.second;
+    if (e.absent)
+        s += " absent";
+    if (e.writes >= 0)
+        s += " writes " + std::to_string(e.writes);
     if (e.count >= 0)
         s += " count " + std::to_string(e.count);
     if (e.at_ms >= 0)

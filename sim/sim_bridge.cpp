@@ -93,10 +93,33 @@ std::vector<std::string> SimBridge::calls_matching(const std::string& prefix) co
     return out;
 }
 
-int SimBridge::record(const std::string& call, const std::string& args) {
+int SimBridge::record(const std::string& call, const std::string& args, const char* port) {
+    int64_t now = 0;
+    if (host_ != nullptr) {
+        timespec ts = host_->monotonic_now();
+        now = static_cast<int64_t>(ts.tv_sec) * 1000 + ts.tv_nsec / 1000000;
+    }
     calls_.push_back(args.empty() ? call : call + " " + args);
+    call_ms_.push_back(now);
+    for (const auto& f : failures_) {
+        bool port_ok = f.port.empty() || (port != nullptr && f.port == port);
+        if (f.call == call && port_ok && now >= f.from_ms && (f.to_ms < 0 || now <= f.to_ms))
+            return f.result;
+    }
     auto it = results_.find(call);
     return it == results_.end() ? 0 : it->second;
+}
+
+SimPortState* SimBridge::port_after(int rc, const char* bridge_name, const char* ifname) {
+    SimBridgeState* br = find(str(bridge_name));
+    if (rc != 0 || br == nullptr || ifname == nullptr)
+        return nullptr;
+    return &br->port_state[ifname];
+}
+
+int* SimBridge::switch_after(int rc, const char* bridge_name, int SimBridgeState::*field) {
+    SimBridgeState* br = find(str(bridge_name));
+    return rc != 0 || br == nullptr ? nullptr : &(br->*field);
 }
 
 void* SimBridge::bridgeAllocTableBuf(int size, const char* bridge_name) {
@@ -248,53 +271,94 @@ int SimBridge::bridgeFlushHipTable(const char* bridge_name) {
 }
 
 int SimBridge::bridgeSetTcpSP(const char* bridge_name, int on) {
-    return record("bridgeSetTcpSP", str(bridge_name) + " " + num(on));
+    int rc = record("bridgeSetTcpSP", str(bridge_name) + " " + num(on));
+    if (int* v = switch_after(rc, bridge_name, &SimBridgeState::tcp_sp))
+        *v = on;
+    return rc;
 }
 
 int SimBridge::bridgeSetBridgeMode(const char* bridge_name, int mode) {
-    return record("bridgeSetBridgeMode", str(bridge_name) + " " + num(mode));
+    int rc = record("bridgeSetBridgeMode", str(bridge_name) + " " + num(mode));
+    if (int* v = switch_after(rc, bridge_name, &SimBridgeState::bridge_mode))
+        *v = mode;
+    return rc;
 }
 
 int SimBridge::bridgeSetFollowRE(const char* bridge_name, int on) {
-    return record("bridgeSetFollowRE", str(bridge_name) + " " + num(on));
+    int rc = record("bridgeSetFollowRE", str(bridge_name) + " " + num(on));
+    if (int* v = switch_after(rc, bridge_name, &SimBridgeState::follow_re))
+        *v = on;
+    return rc;
 }
 
 int SimBridge::bridgeSetHcEnable(const char* bridge_name, int on) {
-    return record("bridgeSetHcEnable", str(bridge_name) + " " + num(on));
+    int rc = record("bridgeSetHcEnable", str(bridge_name) + " " + num(on));
+    if (int* v = switch_after(rc, bridge_name, &SimBridgeState::hc_enable))
+        *v = on;
+    return rc;
 }
 
 int SimBridge::bridgeSetForwardingMode(const char* bridge_name, int mode) {
-    return record("bridgeSetForwardingMode", str(bridge_name) + " " + num(mode));
+    int rc = record("bridgeSetForwardingMode", str(bridge_name) + " " + num(mode));
+    if (int* v = switch_after(rc, bridge_name, &SimBridgeState::forwarding_mode))
+        *v = mode;
+    return rc;
 }
 
 int SimBridge::bridgeSetIFCompat(const char* bridge_name, const char* ifname, int group) {
-    return record("bridgeSetIFCompat", str(bridge_name) + " " + str(ifname) + " " + num(group));
+    int rc = record("bridgeSetIFCompat", str(bridge_name) + " " + str(ifname) + " " + num(group), ifname);
+    if (SimPortState* p = port_after(rc, bridge_name, ifname))
+        p->compat_group = group;
+    return rc;
 }
 
 int SimBridge::bridgeSetIFGroup(const char* bridge_name, const char* ifname, int group, int relay) {
-    return record("bridgeSetIFGroup", str(bridge_name) + " " + str(ifname) + " " + num(group) + " " + num(relay));
+    int rc = record("bridgeSetIFGroup", str(bridge_name) + " " + str(ifname) + " " + num(group) + " " + num(relay),
+                    ifname);
+    if (SimPortState* p = port_after(rc, bridge_name, ifname)) {
+        p->group = group;
+        p->relay = relay;
+    }
+    return rc;
 }
 
 int SimBridge::bridgeSetIFTSvlan(const char* bridge_name, const char* ifname, int vlan_id,
                                  const char* primary_ifname) {
-    return record("bridgeSetIFTSvlan",
-                  str(bridge_name) + " " + str(ifname) + " " + num(vlan_id) + " " + str(primary_ifname));
+    int rc = record("bridgeSetIFTSvlan",
+                    str(bridge_name) + " " + str(ifname) + " " + num(vlan_id) + " " + str(primary_ifname), ifname);
+    if (SimPortState* p = port_after(rc, bridge_name, ifname)) {
+        p->ts_vlan = vlan_id;
+        p->primary_name = str(primary_ifname);
+    }
+    return rc;
 }
 
 int SimBridge::bridgeSetIFBroadcast(const char* bridge_name, const char* ifname, int allowed) {
-    return record("bridgeSetIFBroadcast", str(bridge_name) + " " + str(ifname) + " " + num(allowed));
+    int rc = record("bridgeSetIFBroadcast", str(bridge_name) + " " + str(ifname) + " " + num(allowed), ifname);
+    if (SimPortState* p = port_after(rc, bridge_name, ifname))
+        p->broadcast = allowed;
+    return rc;
 }
 
 int SimBridge::bridgeSetIFClass(const char* bridge_name, const char* ifname, int if_class) {
-    return record("bridgeSetIFClass", str(bridge_name) + " " + str(ifname) + " " + num(if_class));
+    int rc = record("bridgeSetIFClass", str(bridge_name) + " " + str(ifname) + " " + num(if_class), ifname);
+    if (SimPortState* p = port_after(rc, bridge_name, ifname))
+        p->if_class = if_class;
+    return rc;
 }
 
 int SimBridge::bridgeSetIFPath(const char* bridge_name, const char* ifname, int path) {
-    return record("bridgeSetIFPath", str(bridge_name) + " " + str(ifname) + " " + num(path));
+    int rc = record("bridgeSetIFPath", str(bridge_name) + " " + str(ifname) + " " + num(path), ifname);
+    if (SimPortState* p = port_after(rc, bridge_name, ifname))
+        p->path = path;
+    return rc;
 }
 
 int SimBridge::bridgeSetIFType(const char* bridge_name, const char* ifname, int type) {
-    return record("bridgeSetIFType", str(bridge_name) + " " + str(ifname) + " " + num(type));
+    int rc = record("bridgeSetIFType", str(bridge_name) + " " + str(ifname) + " " + num(type), ifname);
+    if (SimPortState* p = port_after(rc, bridge_name, ifname))
+        p->type = type;
+    return rc;
 }
 
 int SimBridge::bridgeSetEventInfo(const char* bridge_name, int pid, int event_type, int protocol) {
@@ -306,7 +370,13 @@ int SimBridge::bridgeSetEventInfo(const char* bridge_name, int pid, int event_ty
     return rc;
 }
 
-int SimBridge::bridgeStopAPS(const char* bridge_name) { return record("bridgeStopAPS", str(bridge_name)); }
+int SimBridge::bridgeStopAPS(const char* bridge_name) {
+    int rc = record("bridgeStopAPS", str(bridge_name));
+    SimBridgeState* br = find(str(bridge_name));
+    if (rc == 0 && br != nullptr)
+        br->stopped = true;
+    return rc;
+}
 
 int SimBridge::bridgeDelFdbByName(const char* bridge_name, const char* ifname) {
     int rc = record("bridgeDelFdbByName", str(bridge_name) + " " + str(ifname));

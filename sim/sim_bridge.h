@@ -12,6 +12,29 @@ namespace lynd {
 
 class SimHost;
 
+// What the daemon set on one port; -1: never set.
+struct SimPortState {
+    int compat_group = -1;
+    int group = -1;
+    int relay = -1;
+    int ts_vlan = -1;
+    std::string primary_name;
+    int broadcast = -1;
+    int if_class = -1;
+    int path = -1;
+    int type = -1;
+};
+
+// A library call that fails: for one port only when port is set, and only
+// within [from_ms, to_ms] (to_ms -1: to the end).
+struct SimFailure {
+    std::string call;
+    int result = -1;
+    std::string port;
+    int64_t from_ms = 0;
+    int64_t to_ms = -1;
+};
+
 // One hybrid bridge of the model. Ports and fdb entries name interfaces;
 // their indexes come from the simulated host.
 struct SimBridgeState {
@@ -23,6 +46,14 @@ struct SimBridgeState {
     uint32_t preferred = 0;
     int event_pid = 0;  // who gets the bridge's events; 0: nobody
     int hip_flushes = 0;
+    // The five switches (-1: never set) and whether it was stopped.
+    int tcp_sp = -1;
+    int bridge_mode = -1;
+    int follow_re = -1;
+    int hc_enable = -1;
+    int forwarding_mode = -1;
+    bool stopped = false;
+    std::map<std::string, SimPortState> port_state;
 };
 
 // Told of the hc table's reads and changes, so that the model's clients
@@ -53,7 +84,10 @@ public:
 
     // A non-zero result fails every later call of that name, untouched.
     void set_result(const std::string& call, int result) { results_[call] = result; }
+    void add_failure(const SimFailure& f) { failures_.push_back(f); }
     const std::vector<std::string>& calls() const { return calls_; }
+    // Virtual time of each call, in step with calls().
+    const std::vector<int64_t>& call_times() const { return call_ms_; }
     size_t count_calls(const std::string& prefix) const;
     std::vector<std::string> calls_matching(const std::string& prefix) const;
     void clear_calls() { calls_.clear(); }
@@ -89,7 +123,10 @@ public:
     int bridgeDelFdbByName(const char* bridge_name, const char* ifname) override;
 
 private:
-    int record(const std::string& call, const std::string& args);
+    int record(const std::string& call, const std::string& args, const char* port = nullptr);
+    // The port's state after a successful call; null on failure.
+    SimPortState* port_after(int rc, const char* bridge_name, const char* ifname);
+    int* switch_after(int rc, const char* bridge_name, int SimBridgeState::*field);
     int answer_query(int msg_type, unsigned char* buf, int size);
     int copy_table(SimBridgeState& br, int table_type, int* count, void* buf);
 
@@ -98,6 +135,8 @@ private:
     std::map<const void*, std::string> buffers_;  // payload -> bridge it was allocated for
     std::vector<std::string> calls_;
     std::map<std::string, int> results_;
+    std::vector<SimFailure> failures_;
+    std::vector<int64_t> call_ms_;
     SimHcObserver* observer_ = nullptr;
 };
 

@@ -112,6 +112,12 @@ uint32_t SimClients::default_dst() {
         return 0;
     if (br->preferred != 0)
         return br->preferred;
+    for (const auto& p : br->ports) {
+        auto st = br->port_state.find(p);
+        if (st != br->port_state.end() && st->second.path == 1)
+            return host_->if_nametoindex(p.c_str());
+    }
+    // Not programmed yet: the first backhaul link stands in.
     for (const auto& p : br->ports)
         if (wlan_->link(p) != nullptr)
             return host_->if_nametoindex(p.c_str());

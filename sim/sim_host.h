@@ -40,6 +40,8 @@ public:
     bool has_file(const std::string& path) const;
     std::string file(const std::string& path) const;
     const std::map<std::string, std::string>& files() const { return files_; }
+    // How often the daemon wrote path.
+    int writes(const std::string& path) const;
     // Virtual time for the clocks; without a loop they stand at zero.
     void set_clock(SimLoop* loop) { clock_ = loop; }
     // Log lines are also copied to standard error when echo is on.
@@ -142,6 +144,7 @@ private:
     std::map<std::string, Tool> tools_;
     std::vector<SimInterface> interfaces_;
     std::map<std::string, std::string> files_;
+    std::map<std::string, int> writes_;
     std::vector<std::string> console_;
     std::vector<std::string> runs_;
     SimLoop* clock_ = nullptr;

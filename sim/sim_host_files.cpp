@@ -29,7 +29,13 @@ long SimHost::read_file(const char* path, char* buf, size_t size) {
     return static_cast<long>(n);
 }
 
+int SimHost::writes(const std::string& path) const {
+    auto it = writes_.find(path);
+    return it == writes_.end() ? 0 : it->second;
+}
+
 bool SimHost::write_file(const char* path, const char* data, size_t len) {
+    writes_[path]++;
     files_[path] = std::string(data, len);
     return true;
 }

@@ -47,6 +47,8 @@ void SimNode::build_node() {
     }
     for (const auto& kv : sc_.bridge_failures)
         bridge_.set_result(kv.first, kv.second);
+    for (const auto& f : sc_.failure_rules)
+        bridge_.add_failure(f);
     cpu_.set_points(sc_.cpu);
     for (const auto& kv : sc_.links)
         wlan_.set_link(kv.first, kv.second);
@@ -122,7 +124,7 @@ ExpectResult SimNode::judge(const Expectation& e, int exit_status) const {
         n = host_.count_logged(e.text);
         break;
     case ExpectKind::CALL:
-        n = static_cast<size_t>(std::count(bridge_.calls().begin(), bridge_.calls().end(), e.text));
+        n = count_calls(e);
         break;
     case ExpectKind::RUN:
         n = static_cast<size_t>(std::count(host_.runs().begin(), host_.runs().end(), e.text));
@@ -134,10 +136,14 @@ ExpectResult SimNode::judge(const Expectation& e, int exit_status) const {
     case ExpectKind::CLIENT_PATH:
     case ExpectKind::CLIENT_MOVES:
         return judge_client(e);
+    case ExpectKind::BRIDGE_STATE:
+    case ExpectKind::WDS_DELETED:
+    case ExpectKind::PATH_STATE:
+    case ExpectKind::PREFERRED:
+    case ExpectKind::SAMPLES:
+        return judge_state(e);
     case ExpectKind::FILE_EQUALS:
-        r.passed = host_.has_file(e.text) && host_.file(e.text) == e.equals;
-        r.why = host_.has_file(e.text) ? "file holds \"" + host_.file(e.text) + "\"" : "no such file";
-        return r;
+        return judge_file(e);
     }
     if (e.kind == ExpectKind::LOG_ABSENT)
         r.passed = n == 0;

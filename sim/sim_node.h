@@ -54,6 +54,9 @@ private:
     void change_link(const TimelineEntry& e);
     ExpectResult judge(const Expectation& e, int exit_status) const;
     ExpectResult judge_client(const Expectation& e) const;
+    ExpectResult judge_state(const Expectation& e) const;
+    ExpectResult judge_file(const Expectation& e) const;
+    size_t count_calls(const Expectation& e) const;
     void build_node();
     void arm_timeline();
 
@@ -61,7 +64,7 @@ private:
     SimLoop loop_;
     SimHost host_;
     SimUci uci_;
-    SimBridge bridge_;
+    mutable SimBridge bridge_;
     SimBus bus_;
     SimCpu cpu_;
     SimWlan wlan_{&host_, &loop_};

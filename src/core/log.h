@@ -24,11 +24,14 @@ void lynd_printf(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 inline bool lynd_log_on(int level) { return g_lynd_dgb_lvl >= level; }
 
-#define LYND_LOG_AT(level, tag, fmt, ...)                                        \
-    do {                                                                         \
-        if (lynd_log_on(level))                                                  \
-            lynd_printf(tag "[%s, %d] " fmt, __func__, __LINE__, ##__VA_ARGS__); \
+// fn names the operation a line belongs to; a helper that logs on behalf of
+// the operation it serves passes that operation's name (the _AS forms).
+#define LYND_LOG_AT_FN(level, tag, fn, fmt, ...)                           \
+    do {                                                                   \
+        if (lynd_log_on(level))                                            \
+            lynd_printf(tag "[%s, %d] " fmt, fn, __LINE__, ##__VA_ARGS__); \
     } while (0)
+#define LYND_LOG_AT(level, tag, fmt, ...) LYND_LOG_AT_FN(level, tag, __func__, fmt, ##__VA_ARGS__)
 
 #define LYND_ERR(fmt, ...) LYND_LOG_AT(LYND_LVL_ERR, "<LYND_ERR>", fmt, ##__VA_ARGS__)
 #define LYND_WARN(fmt, ...) LYND_LOG_AT(LYND_LVL_WARN, "<LYND_WARN>", fmt, ##__VA_ARGS__)
@@ -36,6 +39,12 @@ inline bool lynd_log_on(int level) { return g_lynd_dgb_lvl >= level; }
 #define LYND_LOG(fmt, ...) LYND_LOG_AT(LYND_LVL_LOG, "<LYND_LOG>", fmt, ##__VA_ARGS__)
 #define LYND_DEBUG(fmt, ...) LYND_LOG_AT(LYND_LVL_DEBUG, "<LYND_DEBUG>", fmt, ##__VA_ARGS__)
 #define LYND_TRACE(fmt, ...) LYND_LOG_AT(LYND_LVL_TRACE, "<LYND_TRACE>", fmt, ##__VA_ARGS__)
+
+#define LYND_ERR_AS(fn, fmt, ...) LYND_LOG_AT_FN(LYND_LVL_ERR, "<LYND_ERR>", fn, fmt, ##__VA_ARGS__)
+#define LYND_WARN_AS(fn, fmt, ...) LYND_LOG_AT_FN(LYND_LVL_WARN, "<LYND_WARN>", fn, fmt, ##__VA_ARGS__)
+#define LYND_INFO_AS(fn, fmt, ...) LYND_LOG_AT_FN(LYND_LVL_INFO, "<LYND_INFO>", fn, fmt, ##__VA_ARGS__)
+#define LYND_LOG_AS(fn, fmt, ...) LYND_LOG_AT_FN(LYND_LVL_LOG, "<LYND_LOG>", fn, fmt, ##__VA_ARGS__)
+#define LYND_DEBUG_AS(fn, fmt, ...) LYND_LOG_AT_FN(LYND_LVL_DEBUG, "<LYND_DEBUG>", fn, fmt, ##__VA_ARGS__)
 
 #define LYND_FATAL(fmt, ...)                                                         \
     do {                                                                             \

@@ -32,7 +32,7 @@ void apply_switch(uint32_t* flags, uint32_t bit, uint32_t value) {
 }
 
 void on_configure(lynd_config* conf, const configure_event* ev) {
-    LYND_DEBUG("get configure event");
+    LYND_DEBUG_AS("loop_avoidance_event_cb", "get configure event");
     loop_avoidance_update_running_state(conf, ev);
     if (ev->mode == WORK_MODE_INVALID)
         loop_avoidance_configure_bridge(conf);
@@ -45,7 +45,7 @@ void on_link_change(lynd_config* conf, const void* data) {
     if (data != nullptr)
         std::memcpy(&reconfig, data, sizeof reconfig);
     if (reconfig == 1) {
-        LYND_WARN("reconfig bridge");
+        LYND_WARN_AS("loop_avoidance_event_cb", "reconfig bridge");
         loop_avoidance_configure_bridge(conf);
     }
     loop_avoidance_flush_tables(conf);
@@ -53,7 +53,7 @@ void on_link_change(lynd_config* conf, const void* data) {
 }
 
 void on_bridge(lynd_config* conf, const bridge_event* ev) {
-    LYND_DEBUG("bridge type:%d\n", static_cast<int>(ev->msg_type));
+    LYND_DEBUG_AS("loop_avoidance_event_cb", "bridge type:%d\n", static_cast<int>(ev->msg_type));
     switch (ev->msg_type) {
     case MSG_BCAST_UPDATE:
     case MSG_BCAST_UPDATE_2:
@@ -61,7 +61,7 @@ void on_bridge(lynd_config* conf, const bridge_event* ev) {
         break;
     case MSG_FDB_UPDATE:
         if (ev->data == nullptr || ev->data_len < FDB_UPDATE_MIN_LEN) {
-            LYND_ERR("fdb update of %llu bytes, %zu needed: dropped", static_cast<unsigned long long>(ev->data_len),
+            LYND_ERR_AS("loop_avoidance_event_cb", "fdb update of %llu bytes, %zu needed: dropped", static_cast<unsigned long long>(ev->data_len),
                      FDB_UPDATE_MIN_LEN);
             break;
         }

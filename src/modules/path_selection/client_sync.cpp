@@ -22,7 +22,7 @@ bool in_fdb(const uint8_t* mac, const client_entry* clients, int n) {
 void log_entry(int i, const hc_entry& e) {
     const uint8_t* m = e.mac;
     const uint8_t* d = e.id;
-    LYND_DEBUG("hc_table[%d].client:%x-%x-%x-%x-%x-%x, id:%x-%x-%x-%x-%x-%x\xef\xbc\x8c srcPort%d, dstPort:%d", i, m[0],
+    LYND_DEBUG_AS("path_selection_update_hc_clients", "hc_table[%d].client:%x-%x-%x-%x-%x-%x, id:%x-%x-%x-%x-%x-%x\xef\xbc\x8c srcPort%d, dstPort:%d", i, m[0],
                m[1], m[2], m[3], m[4], m[5], d[0], d[1], d[2], d[3], d[4], d[5], static_cast<int>(e.src_port),
                static_cast<int>(e.dst_port));
 }
@@ -34,7 +34,7 @@ hc_client* find_and_refile(hc_path* paths, const hc_entry& e, uint32_t dst_type)
         if (p->state == PATH_UNINITED)
             continue;
         if (lynd::host().if_nametoindex(p->name) == 0) {
-            LYND_WARN("if_nametoindex failed: %s", p->name);
+            LYND_WARN_AS("path_selection_update_hc_clients", "if_nametoindex failed: %s", p->name);
             continue;
         }
         hc_client* c = hc_find_client(&p->clients, e.mac);
@@ -58,7 +58,7 @@ hc_client* find_and_refile(hc_path* paths, const hc_entry& e, uint32_t dst_type)
 void file_client(hc_path* paths, hc_client* c, uint32_t dst_type) {
     if (c->path_node.next == nullptr) {
         lynd_list_add_tail(&c->path_node, &paths[dst_type].clients);
-        hc_list_dump(&paths[dst_type].clients, __func__, __LINE__);
+        hc_list_dump(&paths[dst_type].clients, "path_selection_update_hc_clients", __LINE__);
     }
     if (c->ap_node.next == nullptr)
         if (ap_iface* ap = path_selection_find_ap_iface_by_hc(c))
@@ -70,25 +70,25 @@ bool take_entry(conf_bridge* bridge, hc_path* paths, const hc_entry& e, const cl
     const uint8_t* m = e.mac;
     if (std::memcmp(e.mac, e.id, 6) != 0 && !in_fdb(e.mac, clients, n)) {
         (void)lynd_delete_hc_entry(bridge->name, e.mac);
-        LYND_LOG("delete hc_entry(%02x:%02x:%02x:%02x:%02x:%02x) sport(%d) dport(%d)", m[0], m[1], m[2], m[3], m[4],
+        LYND_LOG_AS("path_selection_update_hc_clients", "delete hc_entry(%02x:%02x:%02x:%02x:%02x:%02x) sport(%d) dport(%d)", m[0], m[1], m[2], m[3], m[4],
                  m[5], static_cast<int>(e.src_port), static_cast<int>(e.dst_port));
         return false;
     }
     uint32_t dst_type = wlan_get_type_by_ifindex(e.dst_port);
     if (dst_type >= IF_TYPE_MAX) {
-        LYND_ERR("client dstport[%d] can not dst_type", static_cast<int>(e.dst_port));
+        LYND_ERR_AS("path_selection_update_hc_clients", "client dstport[%d] can not dst_type", static_cast<int>(e.dst_port));
         return false;
     }
     // Filed under a slot that is never live, it would be neither found nor swept.
     if (paths[dst_type].state == PATH_UNINITED || paths[dst_type].path == 0) {
-        LYND_ERR("path is error, because port[%d] is not uplink path", static_cast<int>(e.dst_port));
+        LYND_ERR_AS("path_selection_update_hc_clients", "path is error, because port[%d] is not uplink path", static_cast<int>(e.dst_port));
         return false;
     }
     hc_client* c = find_and_refile(paths, e, dst_type);
     if (c == nullptr) {
         c = hc_pool_alloc();
         if (c == nullptr) {
-            LYND_ERR("hc_entrys list pool is full");
+            LYND_ERR_AS("path_selection_update_hc_clients", "hc_entrys list pool is full");
             return false;
         }
         *c = hc_client{};
@@ -97,7 +97,7 @@ bool take_entry(conf_bridge* bridge, hc_path* paths, const hc_entry& e, const cl
     c->hc = e;
     c->magic = kGeneration;
     file_client(paths, c, dst_type);
-    LYND_DEBUG("hc item: client(%02x:%02x:%02x:%02x:%02x:%02x) sport(%d) dport(%d) packets(%lld) bytes(%lld)", m[0],
+    LYND_DEBUG_AS("path_selection_update_hc_clients", "hc item: client(%02x:%02x:%02x:%02x:%02x:%02x) sport(%d) dport(%d) packets(%lld) bytes(%lld)", m[0],
                m[1], m[2], m[3], m[4], m[5], static_cast<int>(e.src_port), static_cast<int>(e.dst_port),
                static_cast<long long>(e.pkts), static_cast<long long>(e.bytes));
     return true;

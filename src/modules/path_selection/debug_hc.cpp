@@ -27,7 +27,7 @@ void set_path_info(const debug_event& ev) {
     uint32_t type = wlan_get_type_by_ifname(name);
     if (type < IF_TYPE_2G || type >= IF_TYPE_MAX)
         return;
-    LYND_LOG("%s[%d] dbg path info", name, static_cast<int>(type));
+    LYND_LOG_AS("path_selection_event_debug_hc", "%s[%d] dbg path info", name, static_cast<int>(type));
     if (ev.subtype == DBG_SET_PATH_INFO)
         g_dbg_path_info[type] = ev.path;
     else

@@ -22,7 +22,7 @@ void arm_period(ps_module* m) {
     if (period == 0) {
         // A zero period would fire the timer back to back.
         if (!m->idle_period_said)
-            LYND_WARN("period is 0 (no \"param\" in the configuration): the period timer stays idle");
+            LYND_WARN_AS("path_selection_arm_timers", "period is 0 (no \"param\" in the configuration): the period timer stays idle");
         m->idle_period_said = true;
         return;
     }
@@ -60,12 +60,12 @@ void pathsel_mode(lynd_config* conf, uint8_t mode) {
     if (!stop && !start)
         return;
     if (stop)
-        LYND_DEBUG("Cancel path selection timer");
+        LYND_DEBUG_AS("path_selection_event_debug", "Cancel path selection timer");
     else
-        LYND_DEBUG("Start path selection timer");
+        LYND_DEBUG_AS("path_selection_event_debug", "Start path selection timer");
     lynd_module* found = lynd_get_mod_contex(&conf->modules, LYND_MODULE_PATH_SELECTION);
     if (found == nullptr) {
-        LYND_ERR("find mod");
+        LYND_ERR_AS("path_selection_event_debug", "find mod");
         return;
     }
     ps_module* m = of_module(found);
@@ -83,7 +83,7 @@ void bridge_message(const bridge_event* ev) {
     if (ev == nullptr || ev->msg_type != kNewHcEntry)
         return;
     if (ev->data == nullptr || ev->data_len < sizeof(hc_entry)) {
-        LYND_ERR("new hc entry of %llu bytes, %zu needed: dropped", static_cast<unsigned long long>(ev->data_len),
+        LYND_ERR_AS("path_selection_event_cb", "new hc entry of %llu bytes, %zu needed: dropped", static_cast<unsigned long long>(ev->data_len),
                  sizeof(hc_entry));
         return;
     }

@@ -15,7 +15,7 @@ bool is_path_selection_bridge(const conf_bridge& br) {
     return lynd_check_active_bridge(br.name) == 1 && (br.flags & BR_FLAG_PATH_SELECTION) != 0;
 }
 
-void show_path_ports(lynd_config* conf) {
+void path_selection_show_path_ports(lynd_config* conf) {
     conf_interface* ports[LYND_MAX_PORTS];
     for (uint64_t i = 0; i < conf->n_bridges; i++) {
         if (!is_path_selection_bridge(conf->bridges[i]))
@@ -26,7 +26,7 @@ void show_path_ports(lynd_config* conf) {
     }
 }
 
-void startup_ifaces(lynd_config* conf) {
+void path_selection_startup_ifaces(lynd_config* conf) {
     LYND_LOG("startup_ifaces, n_bridges:%d\n", static_cast<int>(conf->n_bridges));
     for (uint64_t i = 0; i < conf->n_bridges; i++) {
         if (lynd_get_work_mode() != WORK_MODE_RE)
@@ -53,7 +53,7 @@ void path_selection_init_hc(lynd_config* conf) {
     g_ps_conf = conf;
     path_selection_hc_path_init(conf);
     lynd_reset_link_state_all();
-    show_path_ports(conf);
+    path_selection_show_path_ports(conf);
 }
 
 void path_selection_event_startup_hc(lynd_config* conf) {
@@ -62,7 +62,7 @@ void path_selection_event_startup_hc(lynd_config* conf) {
         LYND_ERR("find mod");
         return;
     }
-    startup_ifaces(conf);
+    path_selection_startup_ifaces(conf);
     path_selection_arm_timers(m);
 }
 
