@@ -27,13 +27,13 @@ struct ScenarioBridge {
     std::vector<std::string> ports;
 };
 
-enum class TimelineKind { UBUS, NETLINK, STATION_EXPIRED, LINK };
+enum class TimelineKind { UBUS, NETLINK, STATION_EXPIRED, LINK, UCI };
 
 struct TimelineEntry {
     int64_t at_ms = 0;
     TimelineKind kind = TimelineKind::UBUS;
     std::string name;   // ubus event name, or the interface that lost a station or changes its link
-    std::string data;   // ubus payload or link fields (JSON text), or the raw netlink datagram
+    std::string data;   // ubus payload, link fields or UCI values (JSON text), or the raw netlink datagram
 };
 
 enum class ExpectKind {

@@ -99,6 +99,9 @@ void SimNode::play(const TimelineEntry& e) {
     case TimelineKind::LINK:
         change_link(e);
         break;
+    case TimelineKind::UCI:
+        change_uci(e);
+        break;
     }
 }
 
@@ -113,6 +116,15 @@ void SimNode::change_link(const TimelineEntry& e) {
     (void)apply_link_fields(r, set, &link);
     json_object_put(set);
     wlan_.set_link(e.name, link);
+}
+
+// The parser has checked the values already; they read as on the node.
+void SimNode::change_uci(const TimelineEntry& e) {
+    json_object* set = json_tokener_parse(e.data.c_str());
+    json_object_object_foreach(set, path, val) {
+        uci_.set(path, json_is(val, json_type_string) ? json_object_get_string(val) : json_object_to_json_string(val));
+    }
+    json_object_put(set);
 }
 
 ExpectResult SimNode::judge(const Expectation& e, int exit_status) const {

@@ -52,6 +52,7 @@ private:
     static void fire(LoopTimer* t);
     void play(const TimelineEntry& e);
     void change_link(const TimelineEntry& e);
+    void change_uci(const TimelineEntry& e);
     ExpectResult judge(const Expectation& e, int exit_status) const;
     ExpectResult judge_client(const Expectation& e) const;
     ExpectResult judge_state(const Expectation& e) const;
