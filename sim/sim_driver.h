@@ -2,6 +2,7 @@
 // the daemon sends on its datagram sockets, and the vendor tools and /proc
 // files that read the radios, when the scenario fixed no reply of its own.
 #pragma once
+#include <cstddef>
 #include <string>
 
 namespace lynd {
@@ -17,6 +18,8 @@ public:
         (void)cmdline, (void)output, (void)status;
         return false;
     }
+    // A frame of len bytes left through the interface named ifname.
+    virtual void frame_sent(const char* ifname, size_t len) { (void)ifname, (void)len; }
     // Fills buf with the file's text (at most size bytes); -1 when the
     // driver does not provide path.
     virtual long file(const char* path, char* buf, size_t size) {

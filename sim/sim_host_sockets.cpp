@@ -62,7 +62,11 @@ long SimHost::packet_send(int fd, unsigned ifindex, uint16_t ethertype, const ui
     SimFrame f{ifindex, ethertype, {}, std::string(static_cast<const char*>(frame), len)};
     std::memcpy(f.dst, dst, sizeof f.dst);
     frames_.push_back(f);
-    return has_send_result_ ? send_result_ : static_cast<long>(len);
+    long sent = has_send_result_ ? send_result_ : static_cast<long>(len);
+    char name[IFNAME_LEN] = {};
+    if (sent > 0 && driver_ != nullptr && if_indextoname(ifindex, name))
+        driver_->frame_sent(name, static_cast<size_t>(sent));
+    return sent;
 }
 
 }  // namespace lynd

@@ -53,6 +53,14 @@ void SimWlan::set_client_load(const std::string& ifname, uint32_t mbps) {
     it->second.client_mbps = mbps;
 }
 
+void SimWlan::frame_sent(const char* ifname, size_t len) {
+    auto it = links_.find(ifname);
+    if (it == links_.end())
+        return;
+    catch_up(&it->second);
+    it->second.link.tx_bytes += len;
+}
+
 void SimWlan::set_link(const std::string& ifname, const SimLink& link) {
     Counted& c = links_[ifname];
     c.link = link;

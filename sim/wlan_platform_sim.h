@@ -61,6 +61,8 @@ public:
     int ioctl(unsigned long request, void* arg) override;
     bool tool(const std::string& cmdline, std::string* output, int* status) override;
     long file(const char* path, char* buf, size_t size) override;
+    // Keep-alive frames count as the link's traffic.
+    void frame_sent(const char* ifname, size_t len) override;
 
 private:
     struct Counted {
