@@ -154,6 +154,9 @@ void path_selection_update_hc_paths(conf_bridge*, hc_path* paths) {
         uint8_t util = 0;
         if (wlan_get_uplink_rate_v2(name, &rate, &tx, &rx) != 1 || !wlan_get_channel_utilization(name, &util, t)) {
             LYND_WARN("path: %s maybe disconnected", p->name);
+            // Rate and utilisation stay; no traffic is seen, so a lost peer ends ABNORMAL.
+            p->last_txbytes = p->cur_txbytes;
+            p->last_rxbytes = p->cur_rxbytes;
             continue;
         }
         p->util = util;
