@@ -50,6 +50,7 @@ enum class ExpectKind {
     PATH_STATE,    // settings: path name -> state name
     PREFERRED,     // equals: port name, "" for none
     SAMPLES,       // settings: path name -> samples held
+    POOL,          // value: client records in use
 };
 
 struct Expectation {
@@ -65,6 +66,7 @@ struct Expectation {
     std::vector<std::pair<std::string, std::string>> settings;  // name -> expected value, as text
     bool absent = false;  // a file that must not exist
     int writes = -1;      // how often a file was written; -1: not asked
+    bool json = false;    // a file that must hold one JSON document
 };
 
 struct Scenario {

@@ -35,6 +35,7 @@ void parse_bridge(JsonReader& r, json_object* o, Expectation* e) {
 
 bool parse_state_expectation(JsonReader& r, json_object* o, Expectation* e) {
     uint8_t mac[6];
+    int64_t n = 0;
     if (json_get_string(r, o, "bridge", &e->text, 15)) {
         parse_bridge(r, o, e);
     } else if (json_get_string(r, o, "wds_deleted", &e->text, kMaxName)) {
@@ -47,6 +48,9 @@ bool parse_state_expectation(JsonReader& r, json_object* o, Expectation* e) {
         (void)settings_of(r, s, "path_state", e);
     } else if (json_get_string(r, o, "preferred", &e->equals, 15)) {
         e->kind = ExpectKind::PREFERRED;
+    } else if (json_get_int(r, o, "pool", 0, 100000, &n)) {
+        e->kind = ExpectKind::POOL;
+        e->value = static_cast<int>(n);
     } else if (json_object* s = json_member(o, "samples")) {
         e->kind = ExpectKind::SAMPLES;
         (void)settings_of(r, s, "samples", e);
@@ -60,10 +64,11 @@ void parse_file_expectation(JsonReader& r, json_object* o, Expectation* e) {
     int64_t n = 0;
     bool equals = json_get_string(r, o, "equals", &e->equals, 64 * 1024);
     (void)json_get_bool(r, o, "absent", &e->absent);
+    (void)json_get_bool(r, o, "json", &e->json);
     if (json_get_int(r, o, "writes", 0, 1000000, &n))
         e->writes = static_cast<int>(n);
-    if (!equals && !e->absent && e->writes < 0)
-        r.fail("a \"file\" expectation needs \"equals\", \"absent\" or \"writes\"");
+    if (!equals && !e->absent && e->writes < 0 && !e->json)
+        r.fail("a \"file\" expectation needs \"equals\", \"absent\", \"writes\" or \"json\"");
 }
 
 void parse_window(JsonReader& r, json_object* o, Expectation* e) {

@@ -347,7 +347,7 @@ bool scenario_parse(const char* text, size_t len, Scenario* out, std::string* er
 std::string describe(const Expectation& e) {
     static const char* const kinds[] = {"log_contains", "log_absent", "exit",        "call",      "file",
                                         "run",          "client",     "client",      "bridge",    "wds_deleted",
-                                        "path_state",   "preferred",  "samples"};
+                                        "path_state",   "preferred",  "samples",     "pool"};
     std::string s = kinds[static_cast<int>(e.kind)];
     s += e.kind == ExpectKind::EXIT ? " " + std::to_string(e.value) : " \"" + e.text + "\"";
     if (e.kind == ExpectKind::CLIENT_PATH)

@@ -1,6 +1,7 @@
 #include "sim/sim_clients.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstring>
 #include <map>
@@ -52,10 +53,7 @@ void SimClients::start(const std::vector<SimClient>& clients) {
         loop_->timer_set(&members_[i].timer, static_cast<int>(clients[i].join_ms));
     }
     // The node's own traffic: the bridge is its source and its own id.
-    uint8_t mac[6] = {};
-    uint32_t self = host_->if_nametoindex(bridge_name_.c_str());
-    (void)host_->get_hwaddr(bridge_name_.c_str(), mac);
-    add_entry(mac, mac, self, default_dst());
+    add_entry(node_mac().data(), node_mac().data(), host_->if_nametoindex(bridge_name_.c_str()), default_dst());
 }
 
 void SimClients::on_member_timer(LoopTimer* t) {
@@ -74,7 +72,7 @@ void SimClients::join(Member* m) {
     m->active = true;
     bridge_->add_fdb(bridge_name_, m->c.mac, m->c.port, false);
     uint32_t dst = m->c.path.empty() ? default_dst() : host_->if_nametoindex(m->c.path.c_str());
-    add_entry(m->c.mac, m->c.mac, host_->if_nametoindex(m->c.port.c_str()), dst);
+    add_entry(m->c.mac, node_mac().data(), host_->if_nametoindex(m->c.port.c_str()), dst);
     if (m->c.leave_ms >= 0)
         loop_->timer_set(&m->timer, static_cast<int>(m->c.leave_ms - loop_->now_ms()));
     update_loads();
@@ -122,6 +120,13 @@ uint32_t SimClients::default_dst() {
         if (wlan_->link(p) != nullptr)
             return host_->if_nametoindex(p.c_str());
     return 0;
+}
+
+// Entries carry the node's own address as their id.
+std::array<uint8_t, 6> SimClients::node_mac() const {
+    std::array<uint8_t, 6> mac{};
+    (void)host_->get_hwaddr(bridge_name_.c_str(), mac.data());
+    return mac;
 }
 
 std::string SimClients::name_of(uint32_t ifindex) const {
@@ -180,12 +185,10 @@ void SimClients::refill() {
     SimBridgeState* br = bridge_->find(bridge_name_);
     if (br == nullptr)
         return;
-    uint8_t mac[6] = {};
-    (void)host_->get_hwaddr(bridge_name_.c_str(), mac);
-    add_entry(mac, mac, host_->if_nametoindex(bridge_name_.c_str()), default_dst());
+    add_entry(node_mac().data(), node_mac().data(), host_->if_nametoindex(bridge_name_.c_str()), default_dst());
     for (const auto& m : members_)
         if (m.active)
-            add_entry(m.c.mac, m.c.mac, host_->if_nametoindex(m.c.port.c_str()), default_dst());
+            add_entry(m.c.mac, node_mac().data(), host_->if_nametoindex(m.c.port.c_str()), default_dst());
     update_loads();
 }
 

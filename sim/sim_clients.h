@@ -3,6 +3,7 @@
 // their load rides on the path their entry points at, so what the daemon
 // writes moves their traffic and the path counters and utilisation follow.
 #pragma once
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -70,6 +71,7 @@ private:
     uint32_t default_dst();
     void update_loads();
     std::string name_of(uint32_t ifindex) const;
+    std::array<uint8_t, 6> node_mac() const;
 
     SimHost* host_;
     SimBridge* bridge_;

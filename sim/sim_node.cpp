@@ -153,6 +153,7 @@ ExpectResult SimNode::judge(const Expectation& e, int exit_status) const {
     case ExpectKind::PATH_STATE:
     case ExpectKind::PREFERRED:
     case ExpectKind::SAMPLES:
+    case ExpectKind::POOL:
         return judge_state(e);
     case ExpectKind::FILE_EQUALS:
         return judge_file(e);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include <json-c/json.h>
+
 #include "core/mac.h"
 #include "modules/path_selection/hc_records.h"
 #include "sim/sim_node.h"
@@ -77,10 +79,15 @@ ExpectResult SimNode::judge_file(const Expectation& e) const {
     ExpectResult r{&e, true, ""};
     bool has = host_.has_file(e.text);
     r.why = has ? "file holds \"" + host_.file(e.text) + "\"" : "no such file";
-    if (e.absent)
+    if (e.absent) {
         r.passed = !has;
-    else if (!e.equals.empty() || e.writes < 0)
+    } else if (e.json) {
+        json_object* doc = has ? json_tokener_parse(host_.file(e.text).c_str()) : nullptr;
+        r.passed = doc != nullptr;
+        json_object_put(doc);
+    } else if (!e.equals.empty() || e.writes < 0) {
         r.passed = has && host_.file(e.text) == e.equals;
+    }
     if (e.writes >= 0) {
         r.passed = r.passed && host_.writes(e.text) == e.writes;
         r.why += ", written " + std::to_string(host_.writes(e.text)) + " times";
@@ -117,6 +124,14 @@ ExpectResult SimNode::judge_state(const Expectation& e) const {
         std::string actual = b != nullptr ? bridge_value(*b, "preferred", host) : "";
         r.passed = actual == e.equals;
         r.why = "preferred is \"" + actual + "\"";
+        return r;
+    }
+    case ExpectKind::POOL: {
+        int used = 0;
+        for (const auto& c : hc_entrys)
+            used += c.path_node.next != nullptr ? 1 : 0;
+        r.passed = used == e.value;
+        r.why = std::to_string(used) + " records in use";
         return r;
     }
     case ExpectKind::WDS_DELETED: {
