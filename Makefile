@@ -7,7 +7,7 @@ FUZZ_SECONDS ?= 15
 SCENARIO     ?= scenarios/demo.json
 CMAKE_ARGS   ?=
 
-.PHONY: all deps build run test test-plain test-asan fuzz bench clean
+.PHONY: all deps build run test test-plain test-asan fuzz bench callgrind clean
 
 all: build
 
@@ -44,6 +44,10 @@ bench: deps
 	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DLYND_BENCH=ON $(CMAKE_ARGS)
 	cmake --build $(BUILD) -j $(JOBS) --target lynd_bench
 	$(BUILD)/lynd_bench
+
+# Instructions of one period run, by callgrind (installs valgrind if missing).
+callgrind: bench
+	tools/period-instructions $(BUILD)
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD)

@@ -2,10 +2,11 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/alloc_counter.h"
+#include "bench/bench_seams.h"
 #include "config/lynd_config.h"
 #include "core/log.h"
+#include "event/event_dispatch.h"
 #include "event/event_hub.h"
-#include "bench/bench_seams.h"
 
 namespace {
 

@@ -24,10 +24,8 @@ protected:
         conf.param.busy_count_threshold = 3;
         conf.param.adjusted_ratio = 50;
         conf.param.period = 10000;
+        path_selection_state_reset();
         g_ps_conf = &conf;
-        g_timer_interval = 0;
-        for (auto& c : hc_entrys)
-            c = hc_client{};
         path(IF_TYPE_2G, "ath02", 1);
         path(IF_TYPE_5G, "ath12", 3);
         for (uint32_t t = 0; t < IF_TYPE_MAX; t++)
