@@ -165,7 +165,7 @@ std::string report_of(const Scenario& sc) {
 
 // Process-wide records left over from one run must not steer the next.
 TEST(SimNodeRun, ARunRepeatedInOneProcessGivesTheSameReport) {
-    for (const char* name : {"demo", "bus_and_netlink_events", "traffic_separation", "bridge_failures"}) {
+    for (const char* name : {"demo", "bus_and_netlink_events", "traffic_separation", "loop_avoidance", "ps_weak_5g"}) {
         std::ifstream in(std::string(LYND_SOURCE_DIR) + "/scenarios/" + name + ".json");
         std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
         Scenario sc;
