@@ -17,16 +17,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     lynd::BusJsonMessage m;
     if (lynd::bus_message_from_json(obj, &m)) {
         const lynd::BusAttr* tb[__DEBUG_MAX];
-        if (lynd::bus_parse(configure_policy, __CONFIGURE_MAX, tb, m.msg) == 0) {
+        lynd::BusAttr found[__DEBUG_MAX];
+        if (lynd::bus_parse(configure_policy, __CONFIGURE_MAX, tb, found, m.msg) == 0) {
             configure_event c;
             ubus_configure_from(tb, &c);
         }
-        if (lynd::bus_parse(link_state_policy, __LINK_STATE_MAX, tb, m.msg) == 0) {
+        if (lynd::bus_parse(link_state_policy, __LINK_STATE_MAX, tb, found, m.msg) == 0) {
             uint32_t hub[4] = {};
             link_state_event ls;
             ubus_link_state_from(tb[LINK_STATE_LINK_STATE], hub, &ls);
         }
-        if (lynd::bus_parse(debug_policy, __DEBUG_MAX, tb, m.msg) == 0) {
+        if (lynd::bus_parse(debug_policy, __DEBUG_MAX, tb, found, m.msg) == 0) {
             debug_event d;
             (void)ubus_debug_from(tb, &d);
         }

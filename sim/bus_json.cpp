@@ -44,7 +44,7 @@ bool bus_message_from_json(json_object* obj, BusJsonMessage* out) {
     if (!json_object_is_type(obj, json_type_object))
         return false;
     json_object_object_foreach(obj, key, val) {
-        if (out->msg.count == BUS_MAX_ATTRS)
+        if (out->msg.count == SIM_BUS_MAX_ATTRS)
             break;
         out->attrs[out->msg.count++] = attr_from_json(key, val);
     }

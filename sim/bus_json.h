@@ -7,13 +7,16 @@
 
 namespace lynd {
 
+// Members a scenario's message may carry.
+constexpr size_t SIM_BUS_MAX_ATTRS = 256;
+
 struct BusJsonMessage {
-    BusAttr attrs[BUS_MAX_ATTRS];
+    BusAttr attrs[SIM_BUS_MAX_ATTRS];
     BusMessage msg;
 };
 
 // obj must be a JSON object and outlive the message. False for anything
-// else; members past BUS_MAX_ATTRS are left out.
+// else; members past SIM_BUS_MAX_ATTRS are left out.
 bool bus_message_from_json(json_object* obj, BusJsonMessage* out);
 
 }  // namespace lynd

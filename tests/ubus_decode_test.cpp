@@ -24,7 +24,7 @@ protected:
             json_object_put(obj_);
         obj_ = json_tokener_parse(text);
         EXPECT_TRUE(lynd::bus_message_from_json(obj_, &m_)) << text;
-        return lynd::bus_parse(policy, n, tb, m_.msg);
+        return lynd::bus_parse(policy, n, tb, found_, m_.msg);
     }
     configure_event configure(const char* text) {
         const BusAttr* tb[__CONFIGURE_MAX];
@@ -51,6 +51,7 @@ protected:
 private:
     json_object* obj_ = nullptr;
     lynd::BusJsonMessage m_;
+    BusAttr found_[__DEBUG_MAX + __CONFIGURE_MAX + __LINK_STATE_MAX];
 };
 
 TEST_F(UbusDecodeTest, ConfigureModesAndSwitches) {
@@ -102,7 +103,8 @@ TEST_F(UbusDecodeTest, EmptyOrMalformedMessagesFailToParse) {
     const BusAttr* tb[__LINK_STATE_MAX];
     EXPECT_EQ(-1, parse("{}", link_state_policy, __LINK_STATE_MAX, tb));
     BusAttr a{"link_state", lynd::BusType::INT32, nullptr, 48, 0};
-    EXPECT_EQ(-1, lynd::bus_parse(link_state_policy, 1, tb, lynd::BusMessage{&a, 1, true}));
+    BusAttr found[__LINK_STATE_MAX];
+    EXPECT_EQ(-1, lynd::bus_parse(link_state_policy, 1, tb, found, lynd::BusMessage{&a, 1, true}));
     EXPECT_EQ(nullptr, tb[0]);
 }
 
@@ -111,8 +113,10 @@ TEST_F(UbusDecodeTest, FirstAttributeOfTheRightTypeWins) {
                        {"link_state", lynd::BusType::INT32, nullptr, 16, 0},
                        {"link_state", lynd::BusType::INT32, nullptr, 32, 0}};
     const BusAttr* tb[__LINK_STATE_MAX];
-    ASSERT_EQ(0, lynd::bus_parse(link_state_policy, 1, tb, lynd::BusMessage{attrs, 3, false}));
-    EXPECT_EQ(&attrs[1], tb[0]);
+    BusAttr found[__LINK_STATE_MAX];
+    ASSERT_EQ(0, lynd::bus_parse(link_state_policy, 1, tb, found, lynd::BusMessage{attrs, 3, false}));
+    ASSERT_NE(nullptr, tb[0]);
+    EXPECT_EQ(16, tb[0]->i);
 }
 
 TEST_F(UbusDecodeTest, DebugPrecedenceAndClamps) {

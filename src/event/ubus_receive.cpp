@@ -70,7 +70,8 @@ void event_ubus_receive_cb(void* ctx, const char* type, const BusMessage& msg) {
 
 void event_ubus_receive_configure(event_hub* ev, const BusMessage& msg) {
     const BusAttr* tb[__CONFIGURE_MAX];
-    if (lynd::bus_parse(configure_policy, __CONFIGURE_MAX, tb, msg) != 0)
+    BusAttr found[__CONFIGURE_MAX];
+    if (lynd::bus_parse(configure_policy, __CONFIGURE_MAX, tb, found, msg) != 0)
         return;
     // The announcement of a role is also when the bridges forget us.
     event_bridge_set_event(event_hub_config(ev));
@@ -81,7 +82,8 @@ void event_ubus_receive_configure(event_hub* ev, const BusMessage& msg) {
 
 void event_ubus_receive_link_state(event_hub* ev, const BusMessage& msg) {
     const BusAttr* tb[__LINK_STATE_MAX];
-    int rc = lynd::bus_parse(link_state_policy, __LINK_STATE_MAX, tb, msg);
+    BusAttr found[__LINK_STATE_MAX];
+    int rc = lynd::bus_parse(link_state_policy, __LINK_STATE_MAX, tb, found, msg);
     LYND_DEBUG("link_state parse ");
     if (rc != 0) {
         LYND_DEBUG("link_state parse failed");
@@ -94,7 +96,8 @@ void event_ubus_receive_link_state(event_hub* ev, const BusMessage& msg) {
 
 void event_ubus_receive_debug(event_hub* ev, const BusMessage& msg) {
     const BusAttr* tb[__DEBUG_MAX];
-    if (lynd::bus_parse(debug_policy, __DEBUG_MAX, tb, msg) != 0)
+    BusAttr found[__DEBUG_MAX];
+    if (lynd::bus_parse(debug_policy, __DEBUG_MAX, tb, found, msg) != 0)
         return;
     debug_event dbg;
     if (ubus_debug_from(tb, &dbg))

@@ -31,12 +31,19 @@ struct BusAttr {
     double d;         // DOUBLE
 };
 
-constexpr size_t BUS_MAX_ATTRS = 32;
+// The next top-level attribute of a message kept in its sender's own
+// encoding, from *pos on (0 at the start); false at the end.
+using BusAttrWalk = bool (*)(const void* raw, size_t len, size_t* pos, BusAttr* out);
 
+// Either a list of attributes, or the sender's encoding and a walk over it:
+// nothing is copied, so no message is too long to be read whole.
 struct BusMessage {
     const BusAttr* attrs;
-    size_t count;
+    size_t count;    // attributes in the message, in either form
     bool malformed;  // an attribute failed its length or type check
+    const void* raw = nullptr;
+    size_t raw_len = 0;
+    BusAttrWalk walk = nullptr;
 };
 
 struct bus_policy {
@@ -44,10 +51,11 @@ struct bus_policy {
     BusType type;
 };
 
-// Fills tb[i] with the first attribute named and typed as policy[i]; an
-// attribute of another type is ignored. -1 for an empty or malformed
+// Fills tb[i] with the first attribute named and typed as policy[i], over
+// the whole message; an attribute of another type is ignored. -1 for an empty or malformed
 // message, as blobmsg_parse does.
-int bus_parse(const bus_policy* policy, int policy_len, const BusAttr** tb, const BusMessage& msg);
+// found has room for policy_len attributes: tb[i] points into it.
+int bus_parse(const bus_policy* policy, int policy_len, const BusAttr** tb, BusAttr* found, const BusMessage& msg);
 
 using BusEventHandler = void (*)(void* ctx, const char* type, const BusMessage& msg);
 

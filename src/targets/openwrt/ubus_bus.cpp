@@ -30,10 +30,8 @@ void UbusBus::free() {
 
 void UbusBus::receive(ubus_context*, ubus_event_handler* ev, const char* type, blob_attr* msg) {
     UbusBus* self = reinterpret_cast<HandlerRecord*>(ev)->self;
-    BusAttr attrs[BUS_MAX_ATTRS];
     BusMessage m;
-    ubus_message_from_blob(msg != nullptr ? blob_data(msg) : nullptr, msg != nullptr ? blob_len(msg) : 0, attrs,
-                           BUS_MAX_ATTRS, &m);
+    ubus_message_from_blob(msg != nullptr ? blob_data(msg) : nullptr, msg != nullptr ? blob_len(msg) : 0, &m);
     if (self->handler_ != nullptr)
         self->handler_(self->handler_ctx_, type, m);
 }

@@ -37,8 +37,8 @@ BusAttr attr_from_blob(blob_attr* a) {
 
 }  // namespace
 
-void ubus_message_from_blob(const void* data, size_t len, BusAttr* attrs, size_t max, BusMessage* out) {
-    *out = BusMessage{attrs, 0, false};
+void ubus_message_from_blob(const void* data, size_t len, BusMessage* out) {
+    *out = BusMessage{nullptr, 0, false};
     if (data == nullptr)
         return;
     blob_attr* a;
@@ -48,10 +48,29 @@ void ubus_message_from_blob(const void* data, size_t len, BusAttr* attrs, size_t
             out->malformed = true;
             return;
         }
-        if (!blob_is_extended(a) || out->count == max)
-            continue;
-        attrs[out->count++] = attr_from_blob(a);
+        if (blob_is_extended(a))
+            out->count++;
     }
+    out->raw = data;
+    out->raw_len = len;
+    out->walk = ubus_message_walk;
+}
+
+// Only a message ubus_message_from_blob has checked is walked.
+bool ubus_message_walk(const void* raw, size_t len, size_t* pos, BusAttr* out) {
+    auto* base = static_cast<const char*>(raw);
+    while (*pos + sizeof(blob_attr) <= len) {
+        auto* a = reinterpret_cast<blob_attr*>(const_cast<char*>(base) + *pos);
+        size_t step = blob_pad_len(a);
+        if (step == 0 || step > len - *pos)
+            return false;
+        *pos += step;
+        if (blob_is_extended(a)) {
+            *out = attr_from_blob(a);
+            return true;
+        }
+    }
+    return false;
 }
 
 }  // namespace lynd

@@ -1,4 +1,4 @@
-// A ubus event's blob, turned into the daemon's typed attribute list.
+// A ubus event's blob, read by the daemon's typed attribute walk.
 #pragma once
 #include <cstddef>
 
@@ -6,9 +6,12 @@
 
 namespace lynd {
 
-// Pure: walks len bytes of blobmsg attributes at data. An attribute that
-// fails blobmsg's own checks marks the message malformed, as blobmsg_parse
-// would refuse it; attributes past max are left out.
-void ubus_message_from_blob(const void* data, size_t len, BusAttr* attrs, size_t max, BusMessage* out);
+// Pure: checks len bytes of blobmsg attributes at data and sets out to walk
+// them in place. An attribute that fails blobmsg's own checks marks the
+// message malformed, as blobmsg_parse would refuse it.
+void ubus_message_from_blob(const void* data, size_t len, BusMessage* out);
+
+// The walk itself: the next attribute from *pos on, as a BusAttr.
+bool ubus_message_walk(const void* raw, size_t len, size_t* pos, BusAttr* out);
 
 }  // namespace lynd
