@@ -7,6 +7,7 @@
 #include <net/if.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,6 +15,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 extern char** environ;
@@ -45,6 +47,21 @@ int wait_status(pid_t pid) {
             return -1;
     }
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+
+// Whole or not at all; false after a short write.
+bool write_all(int fd, const char* data, size_t len) {
+    while (len > 0) {
+        ssize_t n = ::write(fd, data, len);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        data += n;
+        len -= static_cast<size_t>(n);
+    }
+    return true;
 }
 
 }  // namespace
@@ -85,23 +102,17 @@ int LinuxHost::run_status(const char* const argv[]) {
 }
 
 void LinuxHost::console_write(const char* line, size_t len) {
-    int fd = STDERR_FILENO;
     if (console_path_ != nullptr) {
         if (console_fd_ < 0)
             console_fd_ = ::open(console_path_, O_WRONLY | O_NOCTTY | O_CLOEXEC);
-        if (console_fd_ < 0)
-            return;  // no console: the line is lost, as on the device
-        fd = console_fd_;
-    }
-    while (len > 0) {
-        ssize_t n = ::write(fd, line, len);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
+        if (console_fd_ >= 0 && write_all(console_fd_, line, len))
             return;
-        line += n;
-        len -= static_cast<size_t>(n);
+        // No console: standard error, which procd hands to the system log.
+        if (console_fd_ >= 0)
+            ::close(console_fd_);
+        console_fd_ = -1;
     }
+    (void)write_all(STDERR_FILENO, line, len);
 }
 
 unsigned LinuxHost::if_nametoindex(const char* name) { return ::if_nametoindex(name); }
@@ -126,24 +137,18 @@ long LinuxHost::read_file(const char* path, char* buf, size_t size) {
     return static_cast<long>(got);
 }
 
+// The state files live in /tmp, where anyone may plant a file or a link: the
+// temporary file gets a name of its own, created only if new, and is then
+// renamed over the final name, which replaces whatever entry stood there.
 bool LinuxHost::write_file(const char* path, const char* data, size_t len) {
     char tmp[256];
-    if (std::snprintf(tmp, sizeof tmp, "%s.tmp", path) >= static_cast<int>(sizeof tmp))
+    if (std::snprintf(tmp, sizeof tmp, "%s.XXXXXX", path) >= static_cast<int>(sizeof tmp))
         return false;
-    int fd = ::open(tmp, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    int fd = ::mkostemp(tmp, O_CLOEXEC);
     if (fd < 0)
         return false;
-    bool ok = true;
-    while (len > 0 && ok) {
-        ssize_t n = ::write(fd, data, len);
-        if (n < 0 && errno == EINTR)
-            continue;
-        ok = n > 0;
-        if (ok) {
-            data += n;
-            len -= static_cast<size_t>(n);
-        }
-    }
+    // Other programs read these files.
+    bool ok = ::fchmod(fd, 0644) == 0 && write_all(fd, data, len);
     ok = (::close(fd) == 0) && ok;
     if (ok && ::rename(tmp, path) == 0)
         return true;
