@@ -27,7 +27,7 @@ struct ScenarioBridge {
     std::vector<std::string> ports;
 };
 
-enum class TimelineKind { UBUS, NETLINK, STATION_EXPIRED, LINK, UCI };
+enum class TimelineKind { UBUS, NETLINK, STATION_EXPIRED, LINK, UCI, BUS };
 
 struct TimelineEntry {
     int64_t at_ms = 0;

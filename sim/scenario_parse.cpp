@@ -177,13 +177,17 @@ void parse_timeline_entry(Reader& r, json_object* o, const Scenario& sc, Timelin
         SimLink scratch;
         if (apply_link_fields(r, set, &scratch))
             e->data = json_object_to_json_string_ext(set, JSON_C_TO_STRING_PLAIN);
+    } else if (json_get_string(r, o, "bus", &e->name, kMaxName)) {
+        e->kind = TimelineKind::BUS;
+        if (e->name != "down" && e->name != "up")
+            r.fail("\"bus\" is \"down\" or \"up\"");
     } else if (json_object* uci = json_object_member(r, o, "uci")) {
         e->kind = TimelineKind::UCI;
         Scenario scratch;
         parse_uci(r, uci, &scratch);
         e->data = json_object_to_json_string_ext(uci, JSON_C_TO_STRING_PLAIN);
     } else if (r.ok) {
-        r.fail("timeline entry of an unknown kind (ubus, netlink, station_expired, link or uci)");
+        r.fail("timeline entry of an unknown kind (ubus, netlink, station_expired, link, uci or bus)");
     }
 }
 

@@ -30,6 +30,24 @@ const char* SimBus::strerror(int error) {
     return texts[error];
 }
 
+void SimBus::daemon_down() {
+    daemon_up_ = false;
+    bool was = connected_;
+    connected_ = false;
+    handler_ = nullptr;
+    if (was && lost_ != nullptr)
+        lost_(lost_ctx_);
+}
+
+int SimBus::reconnect() {
+    constexpr int kConnectionFailed = 10;
+    if (!daemon_up_)
+        return kConnectionFailed;
+    reconnects_++;
+    connected_ = true;
+    return 0;
+}
+
 void SimBus::free() {
     free_count_++;
     connected_ = false;

@@ -18,11 +18,22 @@ public:
     bool send(const std::string& type, const std::string& json);
     bool send(const std::string& type, const BusMessage& msg);
 
+    // The bus daemon goes away: the connection is lost, and events sent
+    // until it is back reach nobody. Back, it takes new connections.
+    void daemon_down();
+    void daemon_up() { daemon_up_ = true; }
+    int reconnects() const { return reconnects_; }
+
     int connect() override;
     int register_event_handler(const char* pattern, BusEventHandler handler, void* ctx) override;
     const char* strerror(int error) override;
     void add_to_loop() override {}
     void free() override;
+    void set_lost_handler(BusLostHandler handler, void* ctx) override {
+        lost_ = handler;
+        lost_ctx_ = ctx;
+    }
+    int reconnect() override;
 
 private:
     bool matches(const std::string& type) const;
@@ -34,6 +45,10 @@ private:
     std::string pattern_;
     BusEventHandler handler_ = nullptr;
     void* ctx_ = nullptr;
+    BusLostHandler lost_ = nullptr;
+    void* lost_ctx_ = nullptr;
+    bool daemon_up_ = true;
+    int reconnects_ = 0;
 };
 
 }  // namespace lynd

@@ -81,4 +81,6 @@ struct event_hub {
     lynd::LoopFd wifi_fd;  // wireless rtnetlink
     uint32_t eth_state[4];  // last reported state of Ethernet ports 1..4
     bool bus_connected;
+    lynd::LoopTimer bus_retry;  // reconnects after the bus daemon went away
+    uint32_t bus_retry_ms;
 };

@@ -1,5 +1,6 @@
 #include "event/ubus_receive.h"
 
+#include <cstddef>
 #include <cstring>
 
 #include "core/log.h"
@@ -41,14 +42,44 @@ void event_ubus_init(event_hub* ev) {
     if (rc != 0)
         LYND_FATAL("ubus_register_event_handler: %s", bus.strerror(rc));
     bus.add_to_loop();
+    bus.set_lost_handler(event_ubus_lost, ev);
+    ev->bus_retry.cb = event_ubus_retry;
     LYND_LOG("init done");
 }
 
 void event_ubus_free(event_hub* ev) {
+    if (ev->bus_retry.pending)
+        (void)lynd::loop().timer_cancel(&ev->bus_retry);
     if (!ev->bus_connected)
         return;
     lynd::bus().free();
     ev->bus_connected = false;
+}
+
+// Without the bus daemon no event arrives, and procd sees a daemon that is
+// alive: it must come back by itself.
+void event_ubus_lost(void* ctx) {
+    auto* ev = static_cast<event_hub*>(ctx);
+    LYND_ERR("ubus connection lost, reconnecting");
+    ev->bus_connected = false;
+    ev->bus_retry_ms = UBUS_RETRY_FIRST_MS;
+    (void)lynd::loop().timer_set(&ev->bus_retry, static_cast<int>(ev->bus_retry_ms));
+}
+
+void event_ubus_retry(lynd::LoopTimer* t) {
+    auto* ev = static_cast<event_hub*>(lynd_container_of(t, offsetof(event_hub, bus_retry)));
+    lynd::Bus& bus = lynd::bus();
+    if (bus.reconnect() != 0 || bus.register_event_handler("lynd.*", event_ubus_receive_cb, ev) != 0) {
+        ev->bus_retry_ms = ev->bus_retry_ms * 2 > UBUS_RETRY_MAX_MS ? UBUS_RETRY_MAX_MS : ev->bus_retry_ms * 2;
+        (void)lynd::loop().timer_set(&ev->bus_retry, static_cast<int>(ev->bus_retry_ms));
+        return;
+    }
+    bus.add_to_loop();
+    ev->bus_connected = true;
+    LYND_INFO("ubus connection is back");
+    // What was sent meanwhile is gone: settle what can be read again.
+    LYND_WARN("link-state events sent while ubus was away may have been missed");
+    event_ubus_receive_traffic_separation(ev, BusMessage{nullptr, 0, false});
 }
 
 void event_ubus_receive_cb(void* ctx, const char* type, const BusMessage& msg) {

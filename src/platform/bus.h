@@ -58,6 +58,8 @@ struct bus_policy {
 int bus_parse(const bus_policy* policy, int policy_len, const BusAttr** tb, BusAttr* found, const BusMessage& msg);
 
 using BusEventHandler = void (*)(void* ctx, const char* type, const BusMessage& msg);
+// Called once when the connection to the bus daemon is lost.
+using BusLostHandler = void (*)(void* ctx);
 
 class Bus {
 public:
@@ -69,6 +71,10 @@ public:
     virtual const char* strerror(int error) = 0;
     virtual void add_to_loop() = 0;
     virtual void free() = 0;
+    virtual void set_lost_handler(BusLostHandler handler, void* ctx) = 0;
+    // Drops what is left of the old connection and connects anew: 0 when
+    // back (handlers must then be registered again), else an error code.
+    virtual int reconnect() = 0;
 };
 
 }  // namespace lynd

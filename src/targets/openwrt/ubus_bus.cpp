@@ -5,27 +5,51 @@
 namespace lynd {
 
 int UbusBus::connect() {
-    ctx_ = ubus_connect(nullptr);
-    return ctx_ != nullptr ? 0 : -1;
+    context_.self = this;
+    if (ubus_connect_ctx(&context_.ctx, nullptr) != 0)
+        return -1;
+    connected_ = true;
+    context_.ctx.connection_lost = lost;
+    return 0;
 }
 
 int UbusBus::register_event_handler(const char* pattern, BusEventHandler handler, void* ctx) {
     handler_ = handler;
     handler_ctx_ = ctx;
-    record_ = HandlerRecord{};
+    record_ = HandlerRecord{};  // a new context knows no earlier object id
     record_.ev.cb = receive;
     record_.self = this;
-    return ubus_register_event_handler(ctx_, &record_.ev, pattern);
+    return ubus_register_event_handler(&context_.ctx, &record_.ev, pattern);
 }
 
 const char* UbusBus::strerror(int error) { return ubus_strerror(error); }
 
-void UbusBus::add_to_loop() { ubus_add_uloop(ctx_); }
+void UbusBus::add_to_loop() { ubus_add_uloop(&context_.ctx); }
 
 void UbusBus::free() {
-    if (ctx_ != nullptr)
-        ubus_free(ctx_);
-    ctx_ = nullptr;
+    if (connected_)
+        ubus_shutdown(&context_.ctx);
+    connected_ = false;
+}
+
+void UbusBus::set_lost_handler(BusLostHandler handler, void* ctx) {
+    lost_ = handler;
+    lost_ctx_ = ctx;
+}
+
+int UbusBus::reconnect() {
+    free();
+    return connect() == 0 ? 0 : UBUS_STATUS_CONNECTION_FAILED;
+}
+
+// The socket leaves the loop, which would otherwise wake on its end of file
+// again and again; the daemon decides when to try anew.
+void UbusBus::lost(ubus_context* ctx) {
+    UbusBus* self = reinterpret_cast<ContextRecord*>(ctx)->self;
+    if (ctx->sock.registered)
+        uloop_fd_delete(&ctx->sock);
+    if (self->lost_ != nullptr)
+        self->lost_(self->lost_ctx_);
 }
 
 void UbusBus::receive(ubus_context*, ubus_event_handler* ev, const char* type, blob_attr* msg) {
