@@ -35,19 +35,31 @@ add_library(lynd_openwrt STATIC ${LYND_OPENWRT_SOURCES})
 target_include_directories(lynd_openwrt PUBLIC ${UBOX_INCLUDE_DIR} ${UBUS_INCLUDE_DIR} ${UCI_INCLUDE_DIR})
 target_link_libraries(lynd_openwrt PUBLIC lynd_daemon ${UBUS_LIBRARY} ${UCI_LIBRARY} ${UBOX_LIBRARY})
 
-# libkrel only exists in the vendor's SDK. Without it the entry is still
-# compiled, so a PC build checks it, but there is nothing to link against.
+# libkrel only exists in the vendor's SDK. For a PC, LYND_KREL_STUB links a
+# stand-in that prints every call; the package never builds it. Without
+# either the entry is still compiled, so a PC build checks it.
+option(LYND_KREL_STUB "Link lynd with a stand-in for the vendor bridge library (PC only)" OFF)
 find_library(KREL_LIBRARY krel)
-if(KREL_LIBRARY)
+if(LYND_KREL_STUB)
+  add_library(krel_stub STATIC ${CMAKE_SOURCE_DIR}/tools/krel-stub/krel_stub.cpp)
+  target_include_directories(krel_stub PRIVATE ${CMAKE_SOURCE_DIR}/src)
+  set(LYND_KREL krel_stub)
+elseif(KREL_LIBRARY)
+  set(LYND_KREL ${KREL_LIBRARY})
+endif()
+if(LYND_KREL)
   add_executable(lynd ${LYND_OPENWRT_DIR}/main.cpp)
-  target_link_libraries(lynd PRIVATE lynd_openwrt ${KREL_LIBRARY})
+  target_link_libraries(lynd PRIVATE lynd_openwrt ${LYND_KREL})
+  if(LYND_KREL_STUB)
+    target_compile_definitions(lynd PRIVATE LYND_KREL_STUB=1)
+  endif()
   # libkrel reads g_dgb_lvl from the executable.
   set_target_properties(lynd PROPERTIES ENABLE_EXPORTS ON)
   install(TARGETS lynd RUNTIME DESTINATION sbin)
 else()
   add_library(lynd_device_main OBJECT ${LYND_OPENWRT_DIR}/main.cpp)
   target_link_libraries(lynd_device_main PRIVATE lynd_openwrt)
-  message(STATUS "libkrel not found: lynd_openwrt is built; the lynd executable needs libkrel to link and is skipped")
+  message(STATUS "libkrel not found: lynd_openwrt is built; the lynd executable needs libkrel (or -DLYND_KREL_STUB=ON on a PC) to link and is skipped")
 endif()
 
 if(LYND_TESTS)

@@ -5,7 +5,18 @@
 #include "targets/openwrt/ubus_bus.h"
 #include "targets/openwrt/uci_store_libuci.h"
 #include "targets/openwrt/uloop_loop.h"
+#include "core/log.h"
 #include "platform/seams.h"
+
+namespace {
+
+#ifdef LYND_KREL_STUB
+constexpr bool kKrelStub = true;
+#else
+constexpr bool kKrelStub = false;
+#endif
+
+}  // namespace
 
 int main(int argc, char** argv) {
     lynd::LinuxHost host("/dev/console");
@@ -14,5 +25,7 @@ int main(int argc, char** argv) {
     lynd::KrelVendor krel;
     lynd::UbusBus bus;
     lynd::install_seams({&loop, &host, &uci, &krel, &bus});
+    if (kKrelStub)
+        LYND_ERR("built with a stand-in for the bridge library: no bridge is programmed");
     return lynd_main(argc, argv);
 }
