@@ -3,7 +3,7 @@ BUILD        ?= build
 ASAN_BUILD   ?= build-asan
 FUZZ_BUILD   ?= build-fuzz
 JOBS         ?= $(shell nproc 2>/dev/null || echo 2)
-FUZZ_SECONDS ?= 15
+FUZZ_SECONDS ?= 10
 SCENARIO     ?= scenarios/demo.json
 CMAKE_ARGS   ?=
 

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <vector>
 
+#include "fuzz/fuzz_check.h"
 #include "fuzz/fuzz_seams.h"
 #include "wlan/qca/link_stats_qca.h"
 #include "wlan/qca/qca_ioctl.h"
@@ -36,14 +37,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzSeams& seams = fuzz_seams();
     std::vector<uint8_t> reply(data, data + size);
     static wlan_link_info links[64];
-    (void)qca_read_sta_table(reply.data(), reply.size(), links, QCA_STA_MAX_LINKS);
-    (void)qca_read_sta_table(reply.data(), reply.size(), links, 64);
+    size_t n = qca_read_sta_table(reply.data(), reply.size(), links, QCA_STA_MAX_LINKS);
+    // Each record needs its fixed fields whole and moves the walk on.
+    size_t most = reply.size() < QCA_STA_RECORD_MIN ? 0 : reply.size() - QCA_STA_RECORD_MIN + 1;
+    fuzz_check(n <= QCA_STA_MAX_LINKS && n <= most, "records within the reply");
+    n = qca_read_sta_table(reply.data(), reply.size(), links, 64);
+    fuzz_check(n <= 64 && n <= most, "records within the room");
 
     static ReplayDriver driver;
     driver.data = reply.data();
     driver.size = reply.size();
     seams.host.set_driver(&driver);
-    (void)wlan_get_links_qca("ath12", links, true);
+    fuzz_check(wlan_get_links_qca("ath12", links, true) <= QCA_STA_MAX_LINKS, "peers within the room");
     seams.host.set_driver(nullptr);
     return 0;
 }
