@@ -13,6 +13,8 @@ loop_avoidance_state g_loop_avoidance;
 
 namespace {
 
+constexpr const char* kFn = "loop_avoidance_set_bcast_port";
+
 constexpr int32_t kLinkDown = -10;
 constexpr int32_t kLinkAbnormal = 0;
 constexpr int32_t kLinkUp = 10;
@@ -53,9 +55,9 @@ void pick_all(lynd_config* conf, conf_interface* const* ports, int count, bcast_
     for (int v = 0; v < out->n_vlans; v++) {
         out->port[0][v] = loop_avoidance_pick_bcast_nonrelay_port(ports, count, 0, conf, vids[v]);
         out->port[1][v] = loop_avoidance_pick_bcast_nonrelay_port(ports, count, 1, conf, vids[v]);
-        LYND_DEBUG_AS("loop_avoidance_set_bcast_port", "=====>[%d] vid:%d bcast_port_0:%s, bcast_port_1:%s", v, static_cast<int>(vids[v]),
-                   out->port[0][v] != nullptr ? out->port[0][v]->name : "NO_PORT_0",
-                   out->port[1][v] != nullptr ? out->port[1][v]->name : "NO_PORT_1");
+        LYND_DEBUG_AS(kFn, "=====>[%d] vid:%d bcast_port_0:%s, bcast_port_1:%s", v, static_cast<int>(vids[v]),
+                      out->port[0][v] != nullptr ? out->port[0][v]->name : "NO_PORT_0",
+                      out->port[1][v] != nullptr ? out->port[1][v]->name : "NO_PORT_1");
     }
 }
 
@@ -63,10 +65,10 @@ void program_broadcast(const conf_bridge& br, conf_interface* const* ports, int 
     for (int k = 0; k < count; k++) {
         bool allowed = loop_avoidance_picked(pk, ports[k]);
         if (allowed)
-            LYND_DEBUG_AS("loop_avoidance_set_bcast_port", "nonrelay port %s enable bcast", ports[k]->name);
+            LYND_DEBUG_AS(kFn, "nonrelay port %s enable bcast", ports[k]->name);
         int value = ports[k]->relay ? 1 : allowed ? 1 : 0;
         if (lynd::krel().bridgeSetIFBroadcast(br.name, ports[k]->name, value) != 0)
-            LYND_ERR_AS("loop_avoidance_set_bcast_port", "bridgeSetIFBroadcast ifname %s", ports[k]->name);
+            LYND_ERR_AS(kFn, "bridgeSetIFBroadcast ifname %s", ports[k]->name);
     }
 }
 
@@ -85,7 +87,7 @@ void set_bcast_port_of(lynd_config* conf, int i) {
         conf_interface* p = pk.port[0][v];
         if (p == nullptr || off_primary(conf, p))
             continue;
-        LYND_INFO_AS("loop_avoidance_set_bcast_port", "set bcast type:%d", static_cast<int>(p->type));
+        LYND_INFO_AS(kFn, "set bcast type:%d", static_cast<int>(p->type));
         take_primary(conf, i, p);
     }
 }

@@ -10,6 +10,8 @@
 
 namespace {
 
+constexpr const char* kFn = "loop_avoidance_configure_bridge_with_mode";
+
 constexpr uint8_t kEth1Group = 2;
 constexpr uint8_t kEth2Group = 3;
 
@@ -17,16 +19,16 @@ void switches(const conf_bridge& br, uint32_t mode) {
     lynd::KrelApi& krel = lynd::krel();
     bool hc = (br.ps_flags & PS_FLAG_HC) != 0;
     if (krel.bridgeSetTcpSP(br.name, (br.ps_flags & PS_FLAG_TCP_SP) ? 1 : 0) != 0)
-        LYND_ERR_AS("loop_avoidance_configure_bridge_with_mode", "bridgeSetTcpSP");
+        LYND_ERR_AS(kFn, "bridgeSetTcpSP");
     if (krel.bridgeSetBridgeMode(br.name, mode == WORK_MODE_RE ? 0 : 1) != 0)
-        LYND_ERR_AS("loop_avoidance_configure_bridge_with_mode", "bridgeSetBridgeMode");
+        LYND_ERR_AS(kFn, "bridgeSetBridgeMode");
     bool follow = (br.flags & BR_FLAG_PATH_SELECTION) && (br.ps_flags & PS_FLAG_FOLLOW_RE);
     if (krel.bridgeSetFollowRE(br.name, follow ? 1 : 0) != 0)
-        LYND_ERR_AS("loop_avoidance_configure_bridge_with_mode", "bridgeSetFollowRE");
+        LYND_ERR_AS(kFn, "bridgeSetFollowRE");
     if (krel.bridgeSetHcEnable(br.name, mode == WORK_MODE_RE && hc ? 1 : 0) != 0)
-        LYND_ERR_AS("loop_avoidance_configure_bridge_with_mode", "bridgeSetHcEnable");
+        LYND_ERR_AS(kFn, "bridgeSetHcEnable");
     if (krel.bridgeSetForwardingMode(br.name, hc && mode != WORK_MODE_RE ? 1 : 0) != 0)
-        LYND_ERR_AS("loop_avoidance_configure_bridge_with_mode", "bridgeSetForwardingMode");
+        LYND_ERR_AS(kFn, "bridgeSetForwardingMode");
 }
 
 // An Ethernet uplink whose switch port is up carries the backhaul: it must
@@ -39,7 +41,7 @@ void ethernet_relay(const lynd_config* conf, conf_interface* const* ports, int c
             continue;
         bool uplink = (p->compat_group == kEth1Group && eth[0] == 1) || (p->compat_group == kEth2Group && eth[1] == 1);
         p->relay = !uplink;
-        LYND_DEBUG_AS("loop_avoidance_configure_bridge_with_mode", "name:%s, compat_group:%d, relay:%d", p->name, p->compat_group, p->relay ? 1 : 0);
+        LYND_DEBUG_AS(kFn, "name:%s, compat_group:%d, relay:%d", p->name, p->compat_group, p->relay ? 1 : 0);
     }
 }
 
@@ -49,9 +51,9 @@ void pick(lynd_config* conf, int i, conf_interface* const* ports, int count, bca
     for (int v = 0; v < pk->n_vlans; v++) {
         pk->port[0][v] = loop_avoidance_pick_bcast_nonrelay_port(ports, count, 0, conf, vids[v]);
         pk->port[1][v] = loop_avoidance_pick_bcast_nonrelay_port(ports, count, 1, conf, vids[v]);
-        LYND_INFO_AS("loop_avoidance_configure_bridge_with_mode", "===>[%d] bcast_port_0:%s, bcast_port_1:%s", v,
-                  pk->port[0][v] != nullptr ? pk->port[0][v]->name : "NO_PORT",
-                  pk->port[1][v] != nullptr ? pk->port[1][v]->name : "NO_PORT");
+        LYND_INFO_AS(kFn, "===>[%d] bcast_port_0:%s, bcast_port_1:%s", v,
+                     pk->port[0][v] != nullptr ? pk->port[0][v]->name : "NO_PORT",
+                     pk->port[1][v] != nullptr ? pk->port[1][v]->name : "NO_PORT");
     }
     for (int v = 0; v < pk->n_vlans; v++) {
         const conf_interface* p = pk->port[0][v];
@@ -64,33 +66,34 @@ void program_port(const lynd_config* conf, const conf_bridge& br, const conf_int
     lynd::KrelApi& krel = lynd::krel();
     int relay = p->relay ? 1 : 0;
     if (krel.bridgeSetIFCompat(br.name, p->name, p->compat_group) != 0)
-        LYND_ERR_AS("loop_avoidance_configure_bridge_with_mode", "bridgeSetIFCompat ifname %s", p->name);
+        LYND_ERR_AS(kFn, "bridgeSetIFCompat ifname %s", p->name);
     if (krel.bridgeSetIFGroup(br.name, p->name, relay, relay) != 0)
-        LYND_ERR_AS("loop_avoidance_configure_bridge_with_mode", "bridgeSetIFGroup ifname %s", p->name);
+        LYND_ERR_AS(kFn, "bridgeSetIFGroup ifname %s", p->name);
     bool ts = conf->ts.enable;
-    if (krel.bridgeSetIFTSvlan(br.name, p->name, ts ? static_cast<int>(p->ts_vlan_id) : 0, ts ? p->primary_name : "") != 0)
-        LYND_ERR_AS("loop_avoidance_configure_bridge_with_mode", "bridgeSetIFTSvlan");
+    if (krel.bridgeSetIFTSvlan(br.name, p->name, ts ? static_cast<int>(p->ts_vlan_id) : 0, ts ? p->primary_name : "") !=
+        0)
+        LYND_ERR_AS(kFn, "bridgeSetIFTSvlan");
     bool allowed = loop_avoidance_picked(pk, p);
     if (allowed)
-        LYND_DEBUG_AS("loop_avoidance_configure_bridge_with_mode", "nonrelay port %s enable bcast", p->name);
+        LYND_DEBUG_AS(kFn, "nonrelay port %s enable bcast", p->name);
     int bcast = relay ? 1 : allowed ? 1 : 0;
-    LYND_DEBUG_AS("loop_avoidance_configure_bridge_with_mode", "bridgeSetIFBroadcast bridge:%s, name:%s, bcast:%d", br.name, p->name, bcast);
+    LYND_DEBUG_AS(kFn, "bridgeSetIFBroadcast bridge:%s, name:%s, bcast:%d", br.name, p->name, bcast);
     if (krel.bridgeSetIFBroadcast(br.name, p->name, bcast) != 0)
-        LYND_ERR_AS("loop_avoidance_configure_bridge_with_mode", "bridgeSetIFBroadcast ifname %s", p->name);
+        LYND_ERR_AS(kFn, "bridgeSetIFBroadcast ifname %s", p->name);
     if (krel.bridgeSetIFClass(br.name, p->name, p->if_class) != 0)
-        LYND_ERR_AS("loop_avoidance_configure_bridge_with_mode", "bridgeSetIFClass ifname %s", p->name);
+        LYND_ERR_AS(kFn, "bridgeSetIFClass ifname %s", p->name);
     if (krel.bridgeSetIFPath(br.name, p->name, p->path ? 1 : 0) != 0)
-        LYND_ERR_AS("loop_avoidance_configure_bridge_with_mode", "bridgeSetIFPath ifname %s", p->name);
+        LYND_ERR_AS(kFn, "bridgeSetIFPath ifname %s", p->name);
     if (krel.bridgeSetIFType(br.name, p->name, static_cast<int>(p->type)) != 0)
-        LYND_ERR_AS("loop_avoidance_configure_bridge_with_mode", "bridgeSetIFType ifname %s", p->name);
+        LYND_ERR_AS(kFn, "bridgeSetIFType ifname %s", p->name);
 }
 
 void configure_one(lynd_config* conf, int i, uint32_t mode) {
     conf_bridge& br = conf->bridges[i];
-    LYND_DEBUG_AS("loop_avoidance_configure_bridge_with_mode", "bridge %s running_state 0x%x", br.name, br.ps_flags);
+    LYND_DEBUG_AS(kFn, "bridge %s running_state 0x%x", br.name, br.ps_flags);
     if (lynd_check_active_bridge(br.name) != 1 || (br.flags & BR_FLAG_LOOP_AVOIDANCE) == 0)
         return;
-    LYND_DEBUG_AS("loop_avoidance_configure_bridge_with_mode", "setup %s", br.name);
+    LYND_DEBUG_AS(kFn, "setup %s", br.name);
     switches(br, mode);
     (void)lynd_update_switch_vlan_interface_primary_name(conf);
     conf_interface* ports[LYND_MAX_PORTS];
@@ -100,7 +103,7 @@ void configure_one(lynd_config* conf, int i, uint32_t mode) {
         (void)update_eth_traffic_ports(conf, count, ports);
     bcast_picks pk;
     pick(conf, i, ports, count, &pk);
-    LYND_DEBUG_AS("loop_avoidance_configure_bridge_with_mode", "bcast_port_count:%d, count:%d", pk.n_vlans, count);
+    LYND_DEBUG_AS(kFn, "bcast_port_count:%d, count:%d", pk.n_vlans, count);
     for (int k = 0; k < count; k++)
         program_port(conf, br, ports[k], pk);
 }
@@ -109,14 +112,14 @@ void configure_one(lynd_config* conf, int i, uint32_t mode) {
 
 const char* loop_avoidance_mode_name(uint32_t mode) {
     switch (mode) {
-    case WORK_MODE_RE:
-        return "RE";
-    case WORK_MODE_FAP:
-        return "FAP";
-    case WORK_MODE_HAP:
-        return "HAP";
-    default:
-        return "Invalid";
+        case WORK_MODE_RE:
+            return "RE";
+        case WORK_MODE_FAP:
+            return "FAP";
+        case WORK_MODE_HAP:
+            return "HAP";
+        default:
+            return "Invalid";
     }
 }
 

@@ -16,6 +16,8 @@
 
 namespace {
 
+constexpr const char* kFn = "loop_avoidance_event_cb";
+
 enum : uint32_t {
     MSG_BCAST_UPDATE = 5,
     MSG_BCAST_UPDATE_2 = 6,
@@ -32,7 +34,7 @@ void apply_switch(uint32_t* flags, uint32_t bit, uint32_t value) {
 }
 
 void on_configure(lynd_config* conf, const configure_event* ev) {
-    LYND_DEBUG_AS("loop_avoidance_event_cb", "get configure event");
+    LYND_DEBUG_AS(kFn, "get configure event");
     loop_avoidance_update_running_state(conf, ev);
     if (ev->mode == WORK_MODE_INVALID)
         loop_avoidance_configure_bridge(conf);
@@ -45,7 +47,7 @@ void on_link_change(lynd_config* conf, const void* data) {
     if (data != nullptr)
         std::memcpy(&reconfig, data, sizeof reconfig);
     if (reconfig == 1) {
-        LYND_WARN_AS("loop_avoidance_event_cb", "reconfig bridge");
+        LYND_WARN_AS(kFn, "reconfig bridge");
         loop_avoidance_configure_bridge(conf);
     }
     loop_avoidance_flush_tables(conf);
@@ -53,29 +55,29 @@ void on_link_change(lynd_config* conf, const void* data) {
 }
 
 void on_bridge(lynd_config* conf, const bridge_event* ev) {
-    LYND_DEBUG_AS("loop_avoidance_event_cb", "bridge type:%d\n", static_cast<int>(ev->msg_type));
+    LYND_DEBUG_AS(kFn, "bridge type:%d\n", static_cast<int>(ev->msg_type));
     switch (ev->msg_type) {
-    case MSG_BCAST_UPDATE:
-    case MSG_BCAST_UPDATE_2:
-        loop_avoidance_set_bcast_port(conf);
-        break;
-    case MSG_FDB_UPDATE:
-        if (ev->data == nullptr || ev->data_len < FDB_UPDATE_MIN_LEN) {
-            LYND_ERR_AS("loop_avoidance_event_cb", "fdb update of %llu bytes, %zu needed: dropped", static_cast<unsigned long long>(ev->data_len),
-                     FDB_UPDATE_MIN_LEN);
+        case MSG_BCAST_UPDATE:
+        case MSG_BCAST_UPDATE_2:
+            loop_avoidance_set_bcast_port(conf);
             break;
-        }
-        loop_avoidance_event_fdb_update(conf, ev->data);
-        break;
-    case MSG_RECONFIGURE:
-    case MSG_RECONFIGURE_2:
-        if (conf->brconf_mode == 1)
+        case MSG_FDB_UPDATE:
+            if (ev->data == nullptr || ev->data_len < FDB_UPDATE_MIN_LEN) {
+                LYND_ERR_AS(kFn, "fdb update of %llu bytes, %zu needed: dropped",
+                            static_cast<unsigned long long>(ev->data_len), FDB_UPDATE_MIN_LEN);
+                break;
+            }
+            loop_avoidance_event_fdb_update(conf, ev->data);
             break;
-        loop_avoidance_configure_bridge(conf);
-        loop_avoidance_flush_tables(conf);
-        break;
-    default:
-        break;
+        case MSG_RECONFIGURE:
+        case MSG_RECONFIGURE_2:
+            if (conf->brconf_mode == 1)
+                break;
+            loop_avoidance_configure_bridge(conf);
+            loop_avoidance_flush_tables(conf);
+            break;
+        default:
+            break;
     }
 }
 
@@ -118,21 +120,21 @@ void loop_avoidance_finit(lynd_module* module) {
 void loop_avoidance_event_cb(lynd_config* conf, event_listener*, uint32_t type, void* data) {
     LYND_DEBUG("event %d\n", static_cast<int>(type));
     switch (type) {
-    case EVENT_STARTUP:
-        loop_avoidance_configure_bridge(conf);
-        break;
-    case EVENT_CONFIGURE:
-        on_configure(conf, static_cast<const configure_event*>(data));
-        break;
-    case EVENT_LINK_STATE:
-    case EVENT_TS:
-        on_link_change(conf, data);
-        break;
-    case EVENT_BRIDGE:
-        on_bridge(conf, static_cast<const bridge_event*>(data));
-        break;
-    default:
-        break;
+        case EVENT_STARTUP:
+            loop_avoidance_configure_bridge(conf);
+            break;
+        case EVENT_CONFIGURE:
+            on_configure(conf, static_cast<const configure_event*>(data));
+            break;
+        case EVENT_LINK_STATE:
+        case EVENT_TS:
+            on_link_change(conf, data);
+            break;
+        case EVENT_BRIDGE:
+            on_bridge(conf, static_cast<const bridge_event*>(data));
+            break;
+        default:
+            break;
     }
 }
 

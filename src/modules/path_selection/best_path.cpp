@@ -6,6 +6,8 @@
 
 namespace {
 
+constexpr const char* kFn = "path_selection_find_best_path_v2";
+
 bool is_wireless(uint8_t type) { return type >= IF_TYPE_2G && type < IF_TYPE_MAX; }
 
 uint64_t station_quality(const hc_client& c, const hc_path* paths, uint32_t sta_rate) {
@@ -30,10 +32,10 @@ void rate_path(const hc_client& c, const hc_path& x, uint8_t here, uint64_t sq, 
     bool limited = wireless && bq != 0 && sq != 0 && x.type != c.sta_type && bq > sq;
     if (wireless) {
         const uint8_t* m = c.hc.mac;
-        LYND_LOG_AS("path_selection_find_best_path_v2", "wlan client[%02x:%02x:%02x:%02x:%02x:%02x] sta_type[%d] path_type[%d]", m[0], m[1], m[2], m[3], m[4],
-                 m[5], c.sta_type, x.type);
-        LYND_LOG_AS("path_selection_find_best_path_v2", "quality: backhaul=%lld sta=%lld path=%lld", static_cast<long long>(bq), static_cast<long long>(sq),
-                 static_cast<long long>(q));
+        LYND_LOG_AS(kFn, "wlan client[%02x:%02x:%02x:%02x:%02x:%02x] sta_type[%d] path_type[%d]", m[0], m[1], m[2],
+                    m[3], m[4], m[5], c.sta_type, x.type);
+        LYND_LOG_AS(kFn, "quality: backhaul=%lld sta=%lld path=%lld", static_cast<long long>(bq),
+                    static_cast<long long>(sq), static_cast<long long>(q));
     }
     if (x.type == here) {
         ch->cur_q = q;
@@ -65,8 +67,8 @@ void damp(choice* ch, const hc_path& here, const hc_path* paths, uint8_t thresho
     }
     if (delta > threshold)
         return;
-    LYND_LOG_AS("path_selection_find_best_path_v2", "quality: new_path=%s, last_path=%s, delta_percent=%d<%d, not change the path", paths[ch->path].name,
-             here.name, static_cast<int>(delta), threshold);
+    LYND_LOG_AS(kFn, "quality: new_path=%s, last_path=%s, delta_percent=%d<%d, not change the path",
+                paths[ch->path].name, here.name, static_cast<int>(delta), threshold);
     ch->path = here.type;
     ch->q = ch->cur_q;
 }
@@ -83,8 +85,8 @@ uint8_t choose(hc_client* c, const hc_path& here, hc_path* paths, uint8_t thresh
             rate_path(*c, paths[x], here.type, sq, &ch);
     damp(&ch, here, paths, threshold);
     const uint8_t* m = c->hc.mac;
-    LYND_LOG_AS("path_selection_find_best_path_v2", "client[%02x:%02x:%02x:%02x:%02x:%02x] best path:%s, quality:%lld", m[0], m[1], m[2], m[3], m[4], m[5],
-             ch.path < PATH_NONE ? paths[ch.path].name : "", static_cast<long long>(ch.q));
+    LYND_LOG_AS(kFn, "client[%02x:%02x:%02x:%02x:%02x:%02x] best path:%s, quality:%lld", m[0], m[1], m[2], m[3], m[4],
+                m[5], ch.path < PATH_NONE ? paths[ch.path].name : "", static_cast<long long>(ch.q));
     return ch.path;
 }
 

@@ -3,14 +3,16 @@
 #include <cstring>
 
 #include "bridge/hybrid_tables.h"
-#include "core/log.h"
 #include "config/ts_vlan.h"
+#include "core/log.h"
 #include "core/vlan_name.h"
 #include "modules/path_selection/ts_destination.h"
 #include "platform/seams.h"
 #include "wlan/wlan.h"
 
 namespace {
+
+constexpr const char* kFn = "path_selection_update_uplink_hc_table_v2";
 
 struct Candidate {
     hc_client* client = nullptr;
@@ -23,7 +25,7 @@ bool may_move(hc_client* c, const hc_path& p, int has_clients_on_busy_path, uint
     if ((has_clients_on_busy_path && p.overload != 1) || c->best_path == PATH_NONE) {
         c->busy_count = 0;
         c->idle_count = 0;
-        LYND_INFO_AS("path_selection_update_uplink_hc_table_v2", "not busy, not adjust :%s", p.name);
+        LYND_INFO_AS(kFn, "not busy, not adjust :%s", p.name);
         return false;
     }
     if (c->best_path == p.type) {
@@ -40,8 +42,8 @@ bool may_move(hc_client* c, const hc_path& p, int has_clients_on_busy_path, uint
     c->busy_count = 0;
     if (c->flags & HC_FLAG_ASSOC_NEWLY) {
         const uint8_t* m = c->hc.mac;
-        LYND_LOG_AS("path_selection_update_uplink_hc_table_v2", "hc[%02x:%02x:%02x:%02x:%02x:%02x] is assoc newly, change path %s to %s", m[0], m[1], m[2], m[3], m[4],
-                 m[5], p.name, hc_paths[c->best_path].name);
+        LYND_LOG_AS(kFn, "hc[%02x:%02x:%02x:%02x:%02x:%02x] is assoc newly, change path %s to %s", m[0], m[1], m[2],
+                    m[3], m[4], m[5], p.name, hc_paths[c->best_path].name);
         return true;
     }
     c->idle_count++;
@@ -57,10 +59,9 @@ bool better_candidate(const Candidate& cur, const hc_client* c, const hc_path& b
     return c->hc.bytes > cur.client->hc.bytes;
 }
 
-void consider(lynd_config* conf, hc_client* c, hc_path* p, int has_busy, int handle, int64_t time_ms,
-              Candidate* cand) {
+void consider(lynd_config* conf, hc_client* c, hc_path* p, int has_busy, int handle, int64_t time_ms, Candidate* cand) {
     if (c->magic != g_hc_magic) {
-        LYND_INFO_AS("path_selection_update_uplink_hc_table_v2", "node magic:%x, hc magic:%d", c->magic, g_hc_magic);
+        LYND_INFO_AS(kFn, "node magic:%x, hc magic:%d", c->magic, g_hc_magic);
         return;
     }
     c->magic++;
@@ -68,12 +69,12 @@ void consider(lynd_config* conf, hc_client* c, hc_path* p, int has_busy, int han
         return;
     hc_path* bp = &hc_paths[c->best_path];
     int32_t adjust_quota = static_cast<int32_t>(conf->param.adjusted_ratio) * bp->quota / 100;
-    LYND_LOG_AS("path_selection_update_uplink_hc_table_v2", "adjust_quota: %d", adjust_quota);
+    LYND_LOG_AS(kFn, "adjust_quota: %d", adjust_quota);
     uint32_t rate = path_selection_client_rate(c->hc.bytes, time_ms);
     uint32_t quota = bp->rate != 0 ? rate * 10000u / bp->rate : 0;
     const uint8_t* m = c->hc.mac;
-    LYND_LOG_AS("path_selection_update_uplink_hc_table_v2", "cur hc(%02x-%02x-%02x-%02x-%02x-%02x) quota: %d rate(Mbps) %u time(ms) %lld", m[0], m[1], m[2], m[3], m[4],
-             m[5], static_cast<int>(quota), rate, static_cast<long long>(time_ms));
+    LYND_LOG_AS(kFn, "cur hc(%02x-%02x-%02x-%02x-%02x-%02x) quota: %d rate(Mbps) %u time(ms) %lld", m[0], m[1], m[2],
+                m[3], m[4], m[5], static_cast<int>(quota), rate, static_cast<long long>(time_ms));
     if (quota > static_cast<uint32_t>(adjust_quota))
         return;
     if (better_candidate(*cand, c, *bp, *p))
@@ -89,16 +90,17 @@ void source_name(const hc_client* c, char* out) {
 void move(lynd_config* conf, conf_bridge* bridge, const Candidate& cand) {
     hc_client* c = cand.client;
     const uint8_t* m = c->hc.mac;
-    LYND_INFO_AS("path_selection_update_uplink_hc_table_v2", "set hc(%02x-%02x-%02x-%02x-%02x-%02x) to %s", m[0], m[1], m[2], m[3], m[4], m[5], cand.bp->name);
+    LYND_INFO_AS(kFn, "set hc(%02x-%02x-%02x-%02x-%02x-%02x) to %s", m[0], m[1], m[2], m[3], m[4], m[5], cand.bp->name);
     char src[LYND_NAME_LEN], dst[LYND_NAME_LEN];
     source_name(c, src);
     path_selection_ts_dst_name(conf, cand.bp->name, src, dst);
     if (conf->ts.enable) {
         char home[LYND_NAME_LEN];
         (void)lynd_get_home_name(home, cand.bp->name);
-        LYND_INFO_AS("path_selection_update_uplink_hc_table_v2", "adjust_hc->src_port:%d, src_ifname:%s, home_name:%s", static_cast<int>(c->hc.src_port), src, home);
+        LYND_INFO_AS(kFn, "adjust_hc->src_port:%d, src_ifname:%s, home_name:%s", static_cast<int>(c->hc.src_port), src,
+                     home);
     }
-    LYND_INFO_AS("path_selection_update_uplink_hc_table_v2", "best_path_name:%s", dst);
+    LYND_INFO_AS(kFn, "best_path_name:%s", dst);
     (void)lynd_set_hc_entry(bridge->name, c->hc.mac, c->hc.id, src, dst);
     cand.bp->quota = static_cast<int16_t>(cand.bp->quota - static_cast<int16_t>(cand.quota));
     hc_client_unlink_path(c);
@@ -106,7 +108,7 @@ void move(lynd_config* conf, conf_bridge* bridge, const Candidate& cand) {
     c->busy_count = 0;
     c->idle_count = 0;
     c->flags &= static_cast<uint8_t>(~HC_FLAG_ASSOC_NEWLY);
-    hc_list_dump(&cand.bp->clients, "path_selection_update_uplink_hc_table_v2", __LINE__);
+    hc_list_dump(&cand.bp->clients, kFn, __LINE__);
     (void)lynd_flush_fc_flow_by_mac(c->hc.mac);
 }
 

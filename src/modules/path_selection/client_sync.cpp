@@ -53,9 +53,9 @@ void warn_unsearched(const hc_path* paths, uint32_t upto) {
 void log_entry(int i, const hc_entry& e) {
     const uint8_t* m = e.mac;
     const uint8_t* d = e.id;
-    LYND_DEBUG_AS(kFn, "hc_table[%d].client:%x-%x-%x-%x-%x-%x, id:%x-%x-%x-%x-%x-%x\xef\xbc\x8c srcPort%d, dstPort:%d", i, m[0],
-               m[1], m[2], m[3], m[4], m[5], d[0], d[1], d[2], d[3], d[4], d[5], static_cast<int>(e.src_port),
-               static_cast<int>(e.dst_port));
+    LYND_DEBUG_AS(kFn, "hc_table[%d].client:%x-%x-%x-%x-%x-%x, id:%x-%x-%x-%x-%x-%x\xef\xbc\x8c srcPort%d, dstPort:%d",
+                  i, m[0], m[1], m[2], m[3], m[4], m[5], d[0], d[1], d[2], d[3], d[4], d[5],
+                  static_cast<int>(e.src_port), static_cast<int>(e.dst_port));
 }
 
 // The record of mac on a searched slot, re-filed when its entry changed.
@@ -96,8 +96,8 @@ bool take_entry(conf_bridge* bridge, hc_path* paths, const hc_entry& e) {
     const uint8_t* m = e.mac;
     if (std::memcmp(e.mac, e.id, 6) != 0 && !in_fdb(e.mac)) {
         (void)lynd_delete_hc_entry(bridge->name, e.mac);
-        LYND_LOG_AS(kFn, "delete hc_entry(%02x:%02x:%02x:%02x:%02x:%02x) sport(%d) dport(%d)", m[0], m[1], m[2], m[3], m[4],
-                 m[5], static_cast<int>(e.src_port), static_cast<int>(e.dst_port));
+        LYND_LOG_AS(kFn, "delete hc_entry(%02x:%02x:%02x:%02x:%02x:%02x) sport(%d) dport(%d)", m[0], m[1], m[2], m[3],
+                    m[4], m[5], static_cast<int>(e.src_port), static_cast<int>(e.dst_port));
         return false;
     }
     uint32_t dst_type = wlan_get_type_by_ifindex(e.dst_port);
@@ -123,9 +123,9 @@ bool take_entry(conf_bridge* bridge, hc_path* paths, const hc_entry& e) {
     c->hc = e;
     c->magic = kGeneration;
     file_client(paths, c, dst_type);
-    LYND_DEBUG_AS(kFn, "hc item: client(%02x:%02x:%02x:%02x:%02x:%02x) sport(%d) dport(%d) packets(%lld) bytes(%lld)", m[0],
-               m[1], m[2], m[3], m[4], m[5], static_cast<int>(e.src_port), static_cast<int>(e.dst_port),
-               static_cast<long long>(e.pkts), static_cast<long long>(e.bytes));
+    LYND_DEBUG_AS(kFn, "hc item: client(%02x:%02x:%02x:%02x:%02x:%02x) sport(%d) dport(%d) packets(%lld) bytes(%lld)",
+                  m[0], m[1], m[2], m[3], m[4], m[5], static_cast<int>(e.src_port), static_cast<int>(e.dst_port),
+                  static_cast<long long>(e.pkts), static_cast<long long>(e.bytes));
     return true;
 }
 
@@ -137,8 +137,7 @@ void for_configured(hc_path* paths, void (*fn)(lynd_list*, uint8_t), uint8_t gen
 
 }  // namespace
 
-int path_selection_update_hc_clients(conf_bridge* bridge, hc_path* paths, const client_entry* clients,
-                                     int n_clients) {
+int path_selection_update_hc_clients(conf_bridge* bridge, hc_path* paths, const client_entry* clients, int n_clients) {
     void* table = nullptr;
     int count = 0;
     if (lynd_get_hyfi_bridge_hc_table(bridge->name, &table, &count) != 1) {

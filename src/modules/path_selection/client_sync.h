@@ -7,5 +7,4 @@
 #include "modules/path_selection/hc_records.h"
 
 // The hc entries recorded, or -1 when the table could not be read.
-int path_selection_update_hc_clients(conf_bridge* bridge, hc_path* paths, const client_entry* clients,
-                                     int n_clients);
+int path_selection_update_hc_clients(conf_bridge* bridge, hc_path* paths, const client_entry* clients, int n_clients);

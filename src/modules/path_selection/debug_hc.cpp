@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr const char* kFn = "path_selection_event_debug_hc";
+
 constexpr uint32_t kOverloadBits = 31;
 
 void set_dump(lynd_config* conf, uint32_t value) {
@@ -27,7 +29,7 @@ void set_path_info(const debug_event& ev) {
     uint32_t type = wlan_get_type_by_ifname(name);
     if (type < IF_TYPE_2G || type >= IF_TYPE_MAX)
         return;
-    LYND_LOG_AS("path_selection_event_debug_hc", "%s[%d] dbg path info", name, static_cast<int>(type));
+    LYND_LOG_AS(kFn, "%s[%d] dbg path info", name, static_cast<int>(type));
     if (ev.subtype == DBG_SET_PATH_INFO)
         g_dbg_path_info[type] = ev.path;
     else
@@ -38,18 +40,18 @@ void set_path_info(const debug_event& ev) {
 
 void path_selection_event_debug_hc(const debug_event* ev) {
     switch (ev->subtype) {
-    case DBG_DUMP:
-        set_dump(g_ps_conf, ev->value);
-        break;
-    case DBG_OVERLOAD:
-        g_dbg_overload_mask = static_cast<uint8_t>(ev->value & kOverloadBits);
-        break;
-    case DBG_SET_PATH_INFO:
-    case DBG_CLEAN_PATH_INFO:
-        set_path_info(*ev);
-        break;
-    default:
-        LYND_LOG("dbg subtype %d not implemented yet", ev->subtype);
-        break;
+        case DBG_DUMP:
+            set_dump(g_ps_conf, ev->value);
+            break;
+        case DBG_OVERLOAD:
+            g_dbg_overload_mask = static_cast<uint8_t>(ev->value & kOverloadBits);
+            break;
+        case DBG_SET_PATH_INFO:
+        case DBG_CLEAN_PATH_INFO:
+            set_path_info(*ev);
+            break;
+        default:
+            LYND_LOG("dbg subtype %d not implemented yet", ev->subtype);
+            break;
     }
 }

@@ -26,8 +26,8 @@ void print_client(const hc_client& c, const hc_path& p) {
     if (!lynd::host().if_indextoname(c.hc.src_port, src))
         src[0] = '\0';
     const uint8_t* m = c.hc.mac;
-    lynd_printf("%02x:%02x:%02x:%02x:%02x:%02x    [%02d]%-12s[%02d]%-12s%-11lld%lld", m[0], m[1], m[2], m[3], m[4], m[5],
-                static_cast<int>(c.hc.src_port), src, static_cast<int>(index_of(p.name)), p.name,
+    lynd_printf("%02x:%02x:%02x:%02x:%02x:%02x    [%02d]%-12s[%02d]%-12s%-11lld%lld", m[0], m[1], m[2], m[3], m[4],
+                m[5], static_cast<int>(c.hc.src_port), src, static_cast<int>(index_of(p.name)), p.name,
                 static_cast<long long>(c.hc.bytes), static_cast<long long>(c.hc.pkts));
     print_ips(c.hc);
 }
@@ -48,21 +48,23 @@ int path_selection_dump_paths_info(conf_bridge*, hc_path* paths) {
 }
 
 void path_selection_dump_uplinks(const hc_path* paths) {
-    lynd_printf("------------dump uplink info----------------\n"
-                "name            priority rate   util   quota   overload    state");
+    lynd_printf(
+        "------------dump uplink info----------------\n"
+        "name            priority rate   util   quota   overload    state");
     for (uint32_t t = 0; t < IF_TYPE_MAX; t++) {
         const hc_path& p = paths[t];
         if (!path_is_live(p))
             continue;
-        lynd_printf("[%02d]%-12s%-9d%-7d%-7d%-8d%-12d%s", static_cast<int>(index_of(p.name)), p.name, p.priority, p.rate,
-                    p.util, p.quota, p.overload, path_state_names[p.state]);
+        lynd_printf("[%02d]%-12s%-9d%-7d%-7d%-8d%-12d%s", static_cast<int>(index_of(p.name)), p.name, p.priority,
+                    p.rate, p.util, p.quota, p.overload, path_state_names[p.state]);
     }
 }
 
 void path_selection_dump_clients(lynd_config* conf, hc_path* paths) {
     config_dump(conf);
-    lynd_printf("------------dump client path----------------\n"
-                "mac                  src             dst             bytes      packets");
+    lynd_printf(
+        "------------dump client path----------------\n"
+        "mac                  src             dst             bytes      packets");
     for (uint32_t t = 0; t < IF_TYPE_MAX; t++) {
         hc_path& p = paths[t];
         if (p.state == PATH_UNINITED)

@@ -6,7 +6,8 @@
 #include "core/log.h"
 #include "modules/path_selection/ps_funcs.h"
 
-const char* const path_state_names[7] = {"UNINITED", "UNLINK", "NORMAL", "WEAKLINK", "WEAKLINK+ABNORMAL", "ABNORMAL", ""};
+const char* const path_state_names[7] = {"UNINITED",          "UNLINK",   "NORMAL", "WEAKLINK",
+                                         "WEAKLINK+ABNORMAL", "ABNORMAL", ""};
 
 hc_path hc_paths[IF_TYPE_MAX];
 hc_client hc_entrys[HC_MAX_CLIENTS];

@@ -100,7 +100,7 @@ struct hc_client {
 extern hc_path hc_paths[IF_TYPE_MAX];
 extern hc_client hc_entrys[HC_MAX_CLIENTS];
 extern uint8_t g_hc_magic;
-extern lynd_config* g_ps_conf;     // kept at init for the algorithm's steps
+extern lynd_config* g_ps_conf;    // kept at init for the algorithm's steps
 extern int64_t g_timer_interval;  // ms between the starts of the last two period runs
 extern uint8_t g_dbg_overload_mask;
 extern debug_path_info g_dbg_path_info[IF_TYPE_MAX];

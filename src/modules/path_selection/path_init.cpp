@@ -9,17 +9,19 @@
 
 namespace {
 
+constexpr const char* kFn = "path_selection_hc_path_init";
+
 int band_of(uint32_t type) {
     switch (type) {
-    case IF_TYPE_2G:
-        return BAND_2G;
-    case IF_TYPE_5G:
-    case IF_TYPE_5G_2:
-        return BAND_5G;
-    case IF_TYPE_6G:
-        return BAND_6G;
-    default:
-        return -1;  // Ethernet: no band parameters
+        case IF_TYPE_2G:
+            return BAND_2G;
+        case IF_TYPE_5G:
+        case IF_TYPE_5G_2:
+            return BAND_5G;
+        case IF_TYPE_6G:
+            return BAND_6G;
+        default:
+            return -1;  // Ethernet: no band parameters
     }
 }
 
@@ -44,15 +46,16 @@ void take_band_params(hc_path* p, const conf_param& c) {
 }
 
 void log_path(const hc_path& p) {
-    LYND_INFO_AS("path_selection_hc_path_init", "%s[%d] inited, info:\n  [path]:%s\n  [priority]:%d\n  [reserved_ratios]:%d\n"
-              "  [linkquality_smoothing_factor]:%d\n  [abnormal_threshold_txrate]:%d\n"
-              "  [abnormal_threshold_rxrate]:%d\n  [weaklink_threshold_rssi]:%d\n  [weaklink_threshold_snr]:%d\n"
-              "  [weaklink_threshold_rate]:%d\n  [weaklink_hold_threshold_rssi]:%d\n"
-              "  [weaklink_hold_threshold_snr]:%d\n",
-              p.name, p.type, p.path ? "true" : "false", p.priority, p.reserved_ratio,
-              static_cast<int>(p.linkquality_smoothing_factor), static_cast<int>(p.abnormal_threshold_txrate),
-              static_cast<int>(p.abnormal_threshold_rxrate), p.weaklink_threshold_rssi, p.weaklink_threshold_snr,
-              p.weaklink_threshold_rate, p.weaklink_hold_threshold_rssi, p.weaklink_hold_threshold_snr);
+    LYND_INFO_AS(kFn,
+                 "%s[%d] inited, info:\n  [path]:%s\n  [priority]:%d\n  [reserved_ratios]:%d\n"
+                 "  [linkquality_smoothing_factor]:%d\n  [abnormal_threshold_txrate]:%d\n"
+                 "  [abnormal_threshold_rxrate]:%d\n  [weaklink_threshold_rssi]:%d\n  [weaklink_threshold_snr]:%d\n"
+                 "  [weaklink_threshold_rate]:%d\n  [weaklink_hold_threshold_rssi]:%d\n"
+                 "  [weaklink_hold_threshold_snr]:%d\n",
+                 p.name, p.type, p.path ? "true" : "false", p.priority, p.reserved_ratio,
+                 static_cast<int>(p.linkquality_smoothing_factor), static_cast<int>(p.abnormal_threshold_txrate),
+                 static_cast<int>(p.abnormal_threshold_rxrate), p.weaklink_threshold_rssi, p.weaklink_threshold_snr,
+                 p.weaklink_threshold_rate, p.weaklink_hold_threshold_rssi, p.weaklink_hold_threshold_snr);
 }
 
 // Under separation only the primary VLAN's interface is a path; without it
@@ -60,11 +63,11 @@ void log_path(const hc_path& p) {
 bool skip_path(const lynd_config* conf, const conf_interface& i) {
     bool vlan = i.is_ts_vlan || i.ts_vlan_id != 0;
     if (!conf->ts.enable && vlan) {
-        LYND_INFO_AS("path_selection_hc_path_init", "TS disable, not init vlan path:%s", i.name);
+        LYND_INFO_AS(kFn, "TS disable, not init vlan path:%s", i.name);
         return true;
     }
     if (conf->ts.enable && !(i.is_ts_vlan && i.ts_vlan_id == conf->ts.primary_vlan)) {
-        LYND_INFO_AS("path_selection_hc_path_init", "TS enable, not init no primary vlan path:%s", i.name);
+        LYND_INFO_AS(kFn, "TS enable, not init no primary vlan path:%s", i.name);
         return true;
     }
     return false;
@@ -87,7 +90,8 @@ void init_path(const lynd_config* conf, const conf_interface& i) {
 void init_ap(const conf_interface& i) {
     uint32_t sub = wlan_get_subunit_by_ifname(i.name);
     if (sub > 9 || std::strncmp(i.name, "wds", 3) == 0) {
-        LYND_WARN_AS("path_selection_hc_path_init", "[type %d][subunit %d] ignored, iface %s", static_cast<int>(i.type), static_cast<int>(sub), i.name);
+        LYND_WARN_AS(kFn, "[type %d][subunit %d] ignored, iface %s", static_cast<int>(i.type), static_cast<int>(sub),
+                     i.name);
         return;
     }
     ap_iface* ap = &hc_paths[i.type].ap_ifaces[sub];
@@ -95,8 +99,8 @@ void init_ap(const conf_interface& i) {
     ap->type = static_cast<uint8_t>(i.type);
     ap->ifindex = lynd::host().if_nametoindex(ap->name);
     lynd_list_init(&ap->clients);
-    LYND_DEBUG_AS("path_selection_hc_path_init", "[type %d][subunit %d] inited, iface %s, ifindex %d", static_cast<int>(i.type), static_cast<int>(sub),
-               ap->name, static_cast<int>(ap->ifindex));
+    LYND_DEBUG_AS(kFn, "[type %d][subunit %d] inited, iface %s, ifindex %d", static_cast<int>(i.type),
+                  static_cast<int>(sub), ap->name, static_cast<int>(ap->ifindex));
 }
 
 }  // namespace

@@ -12,17 +12,23 @@
 
 namespace {
 
+constexpr const char* kDebugFn = "path_selection_event_debug";
+constexpr const char* kArmFn = "path_selection_arm_timers";
+constexpr const char* kEventFn = "path_selection_event_cb";
+
 constexpr uint32_t kNewHcEntry = 3;
 constexpr uint32_t kMaxLevel = 6;
 
-ps_module* of_module(lynd_module* m) { return static_cast<ps_module*>(lynd_container_of(m, offsetof(ps_module, base))); }
+ps_module* of_module(lynd_module* m) {
+    return static_cast<ps_module*>(lynd_container_of(m, offsetof(ps_module, base)));
+}
 
 void arm_period(ps_module* m) {
     uint32_t period = m->conf->param.period;
     if (period == 0) {
         // A zero period would fire the timer back to back.
         if (!m->idle_period_said)
-            LYND_WARN_AS("path_selection_arm_timers", "period is 0 (no \"param\" in the configuration): the period timer stays idle");
+            LYND_WARN_AS(kArmFn, "period is 0 (no \"param\" in the configuration): the period timer stays idle");
         m->idle_period_said = true;
         return;
     }
@@ -60,12 +66,12 @@ void pathsel_mode(lynd_config* conf, uint8_t mode) {
     if (!stop && !start)
         return;
     if (stop)
-        LYND_DEBUG_AS("path_selection_event_debug", "Cancel path selection timer");
+        LYND_DEBUG_AS(kDebugFn, "Cancel path selection timer");
     else
-        LYND_DEBUG_AS("path_selection_event_debug", "Start path selection timer");
+        LYND_DEBUG_AS(kDebugFn, "Start path selection timer");
     lynd_module* found = lynd_get_mod_contex(&conf->modules, LYND_MODULE_PATH_SELECTION);
     if (found == nullptr) {
-        LYND_ERR_AS("path_selection_event_debug", "find mod");
+        LYND_ERR_AS(kDebugFn, "find mod");
         return;
     }
     ps_module* m = of_module(found);
@@ -83,8 +89,8 @@ void bridge_message(const bridge_event* ev) {
     if (ev == nullptr || ev->msg_type != kNewHcEntry)
         return;
     if (ev->data == nullptr || ev->data_len < sizeof(hc_entry)) {
-        LYND_ERR_AS("path_selection_event_cb", "new hc entry of %llu bytes, %zu needed: dropped", static_cast<unsigned long long>(ev->data_len),
-                 sizeof(hc_entry));
+        LYND_ERR_AS(kEventFn, "new hc entry of %llu bytes, %zu needed: dropped",
+                    static_cast<unsigned long long>(ev->data_len), sizeof(hc_entry));
         return;
     }
     hc_entry e;
@@ -119,47 +125,47 @@ lynd_module* path_selection_init(lynd_config* conf) {
 
 void path_selection_event_cb(lynd_config* conf, event_listener*, uint32_t type, void* data) {
     switch (type) {
-    case EVENT_STARTUP:
-        ps_event_startup(conf);
-        break;
-    case EVENT_LINK_STATE:
-        ps_event_link_state(conf);
-        break;
-    case EVENT_BRIDGE:
-        bridge_message(static_cast<const bridge_event*>(data));
-        break;
-    case EVENT_DEBUG:
-        path_selection_event_debug(conf, static_cast<const debug_event*>(data));
-        break;
-    case EVENT_TS:
-        LYND_INFO("reset hc path info");
-        ps_init(conf);
-        ps_event_link_state(conf);
-        break;
-    default:
-        break;
+        case EVENT_STARTUP:
+            ps_event_startup(conf);
+            break;
+        case EVENT_LINK_STATE:
+            ps_event_link_state(conf);
+            break;
+        case EVENT_BRIDGE:
+            bridge_message(static_cast<const bridge_event*>(data));
+            break;
+        case EVENT_DEBUG:
+            path_selection_event_debug(conf, static_cast<const debug_event*>(data));
+            break;
+        case EVENT_TS:
+            LYND_INFO("reset hc path info");
+            ps_init(conf);
+            ps_event_link_state(conf);
+            break;
+        default:
+            break;
     }
 }
 
 void path_selection_event_debug(lynd_config* conf, const debug_event* ev) {
     LYND_DEBUG("debug  subtype %d", ev->subtype);
     switch (ev->subtype) {
-    case DBG_LEVEL:
-        if (ev->value <= kMaxLevel) {
-            g_lynd_dgb_lvl = static_cast<int>(ev->value);
-            g_dgb_lvl = static_cast<int>(ev->value);
-        }
-        break;
-    case DBG_PATHSEL_MODE:
-        pathsel_mode(conf, ev->mode);
-        break;
-    case DBG_BRCONF_MODE:
-        LYND_DEBUG("Set brconf_mode to %d", ev->mode);
-        conf->brconf_mode = ev->mode;
-        break;
-    default:
-        ps_event_debug(ev);
-        break;
+        case DBG_LEVEL:
+            if (ev->value <= kMaxLevel) {
+                g_lynd_dgb_lvl = static_cast<int>(ev->value);
+                g_dgb_lvl = static_cast<int>(ev->value);
+            }
+            break;
+        case DBG_PATHSEL_MODE:
+            pathsel_mode(conf, ev->mode);
+            break;
+        case DBG_BRCONF_MODE:
+            LYND_DEBUG("Set brconf_mode to %d", ev->mode);
+            conf->brconf_mode = ev->mode;
+            break;
+        default:
+            ps_event_debug(ev);
+            break;
     }
 }
 

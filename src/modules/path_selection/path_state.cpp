@@ -11,6 +11,9 @@
 
 namespace {
 
+constexpr const char* kFn = "path_selection_evaluate_path_state";
+constexpr const char* kEvacuateFn = "path_selection_pre_update_weak_abnormal_path";
+
 struct verdict {
     bool weak;
     bool hold;
@@ -23,15 +26,16 @@ const link_sample& newest(const sample_ring& r) { return r.samples[(r.start + r.
 
 verdict judge(const hc_path& p) {
     ring_means m = path_selection_ring_means(p.path_history, p.linkquality_smoothing_factor);
-    LYND_DEBUG_AS("path_selection_evaluate_path_state", "path %s, ma_rssi:%ddB, ma_snr:%ddB, rate %u,(smooth:%u)", p.name, m.rssi, m.snr, p.rate, m.rate);
+    LYND_DEBUG_AS(kFn, "path %s, ma_rssi:%ddB, ma_snr:%ddB, rate %u,(smooth:%u)", p.name, m.rssi, m.snr, p.rate,
+                  m.rate);
     const link_sample& n = newest(p.path_history);
     verdict v{};
     v.tx_low = n.txrate <= p.abnormal_threshold_txrate;
     v.rx_low = n.rxrate <= p.abnormal_threshold_rxrate;
     v.no_tx = p.cur_txbytes == p.last_txbytes;
-    LYND_DEBUG_AS("path_selection_evaluate_path_state", "txrate:%d, rxrate:%d, incre_txbytes:%lld(%llu->%llu)", n.txrate, n.rxrate,
-               static_cast<long long>(p.cur_txbytes - p.last_txbytes), static_cast<unsigned long long>(p.last_txbytes),
-               static_cast<unsigned long long>(p.cur_txbytes));
+    LYND_DEBUG_AS(kFn, "txrate:%d, rxrate:%d, incre_txbytes:%lld(%llu->%llu)", n.txrate, n.rxrate,
+                  static_cast<long long>(p.cur_txbytes - p.last_txbytes),
+                  static_cast<unsigned long long>(p.last_txbytes), static_cast<unsigned long long>(p.cur_txbytes));
     bool slow = static_cast<int64_t>(n.rate) < p.weaklink_threshold_rate;
     v.weak = (m.rssi < p.weaklink_threshold_rssi || m.snr < p.weaklink_threshold_snr) && slow;
     v.hold = (m.rssi < p.weaklink_hold_threshold_rssi || m.snr < p.weaklink_hold_threshold_snr) && slow;
@@ -45,57 +49,57 @@ void go(hc_path* p, uint8_t state) {
 
 void rate_weak(hc_path* p, const verdict& v) {
     uint8_t s = p->state;
-    LYND_LOG_AS("path_selection_evaluate_path_state", "path[%s] be assessed to WEAKLINK, last status is %d", p->name, s);
+    LYND_LOG_AS(kFn, "path[%s] be assessed to WEAKLINK, last status is %d", p->name, s);
     if (s == PATH_WEAKLINK) {
         if (v.no_tx) {
             go(p, PATH_WEAKLINK_ABNORMAL);
-            LYND_DEBUG_AS("path_selection_evaluate_path_state", "path[%s] into to WEAKLINK+ABNORMAL", p->name);
+            LYND_DEBUG_AS(kFn, "path[%s] into to WEAKLINK+ABNORMAL", p->name);
         } else {
-            LYND_DEBUG_AS("path_selection_evaluate_path_state", "path[%s] still to WEAKLINK", p->name);
+            LYND_DEBUG_AS(kFn, "path[%s] still to WEAKLINK", p->name);
         }
     } else if (s == PATH_WEAKLINK_ABNORMAL) {
         if (v.no_tx) {
-            LYND_DEBUG_AS("path_selection_evaluate_path_state", "path[%s] still to WEAKLINK+ABNORMAL", p->name);
+            LYND_DEBUG_AS(kFn, "path[%s] still to WEAKLINK+ABNORMAL", p->name);
         } else {
             go(p, PATH_WEAKLINK);
-            LYND_DEBUG_AS("path_selection_evaluate_path_state", "path[%s] into to WEAKLINK", p->name);
+            LYND_DEBUG_AS(kFn, "path[%s] into to WEAKLINK", p->name);
         }
     } else if (++p->weak_count > 1) {
         p->weak_count = 0;
         go(p, PATH_WEAKLINK);
-        LYND_DEBUG_AS("path_selection_evaluate_path_state", "path[%s] from %s into to WEAKLINK", p->name, path_state_names[p->last_state]);
+        LYND_DEBUG_AS(kFn, "path[%s] from %s into to WEAKLINK", p->name, path_state_names[p->last_state]);
     }
 }
 
 // True when the hold keeps a WEAKLINK path where it is.
 bool rate_hold(hc_path* p, const verdict& v) {
-    LYND_LOG_AS("path_selection_evaluate_path_state", "path[%s] be assessed to WEAKLINK hold, last status is %d", p->name, p->state);
+    LYND_LOG_AS(kFn, "path[%s] be assessed to WEAKLINK hold, last status is %d", p->name, p->state);
     if (p->state != PATH_WEAKLINK)
         return false;
     if (v.no_tx) {
         go(p, PATH_WEAKLINK_ABNORMAL);
-        LYND_DEBUG_AS("path_selection_evaluate_path_state", "path[%s] into to WEAKLINK+ABNORMAL", p->name);
+        LYND_DEBUG_AS(kFn, "path[%s] into to WEAKLINK+ABNORMAL", p->name);
     } else {
-        LYND_DEBUG_AS("path_selection_evaluate_path_state", "path[%s] still to WEAKLINK", p->name);
+        LYND_DEBUG_AS(kFn, "path[%s] still to WEAKLINK", p->name);
     }
     return true;
 }
 
 void rate_traffic(hc_path* p, const verdict& v) {
     if (!v.no_tx && !(v.tx_low && v.rx_low)) {
-        LYND_LOG_AS("path_selection_evaluate_path_state", "path[%s] be assessed to NORMAL, last status is %d", p->name, p->state);
+        LYND_LOG_AS(kFn, "path[%s] be assessed to NORMAL, last status is %d", p->name, p->state);
         go(p, PATH_NORMAL);
         p->weak_count = 0;
         p->abnormal_count = 0;
         return;
     }
-    LYND_LOG_AS("path_selection_evaluate_path_state", "path[%s] be assessed to ABNORMAL, last status is %d", p->name, p->state);
+    LYND_LOG_AS(kFn, "path[%s] be assessed to ABNORMAL, last status is %d", p->name, p->state);
     if (p->state == PATH_ABNORMAL) {
-        LYND_DEBUG_AS("path_selection_evaluate_path_state", "path[%s] still to ABNORMAL", p->name);
+        LYND_DEBUG_AS(kFn, "path[%s] still to ABNORMAL", p->name);
     } else if (++p->abnormal_count > 1) {
         p->abnormal_count = 0;
         go(p, PATH_ABNORMAL);
-        LYND_DEBUG_AS("path_selection_evaluate_path_state", "path[%s] from %s into to ABNORMAL", p->name, path_state_names[p->last_state]);
+        LYND_DEBUG_AS(kFn, "path[%s] from %s into to ABNORMAL", p->name, path_state_names[p->last_state]);
     }
 }
 
@@ -103,7 +107,7 @@ void evaluate(hc_path* p) {
     const sample_ring& r = p->path_history;
     bool fresh = p->last_state == PATH_UNINITED || p->last_state == PATH_UNLINK;
     if (r.num == 0 || (fresh && r.num < p->linkquality_smoothing_factor)) {
-        LYND_LOG_AS("path_selection_evaluate_path_state", "Path is unlink last time, not enough data(path_history num=%d)", r.num);
+        LYND_LOG_AS(kFn, "Path is unlink last time, not enough data(path_history num=%d)", r.num);
         return;
     }
     verdict v = judge(*p);
@@ -145,7 +149,7 @@ void evacuate(conf_bridge* bridge, hc_path* p, hc_path* best, char* dst) {
         lynd_list_add_tail(&c->path_node, &best->clients);
         c->busy_count = 0;
         c->idle_count = 0;
-        hc_list_dump(&best->clients, "path_selection_pre_update_weak_abnormal_path", __LINE__);
+        hc_list_dump(&best->clients, kEvacuateFn, __LINE__);
         (void)lynd_flush_fc_flow_by_mac(c->hc.mac);
     }
 }

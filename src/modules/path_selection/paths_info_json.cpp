@@ -29,21 +29,37 @@ void put_string(Out* o, const char* s) {
     for (const unsigned char* p = reinterpret_cast<const unsigned char*>(s); *p != '\0'; p++) {
         char esc[8];
         switch (*p) {
-        case '\b': put(o, "\\b"); break;
-        case '\n': put(o, "\\n"); break;
-        case '\r': put(o, "\\r"); break;
-        case '\t': put(o, "\\t"); break;
-        case '\f': put(o, "\\f"); break;
-        case '"': put(o, "\\\""); break;
-        case '\\': put(o, "\\\\"); break;
-        case '/': put(o, "\\/"); break;
-        default:
-            if (*p < 0x20) {
-                std::snprintf(esc, sizeof esc, "\\u00%02x", *p);
-                put(o, esc);
-            } else {
-                put(o, reinterpret_cast<const char*>(p), 1);
-            }
+            case '\b':
+                put(o, "\\b");
+                break;
+            case '\n':
+                put(o, "\\n");
+                break;
+            case '\r':
+                put(o, "\\r");
+                break;
+            case '\t':
+                put(o, "\\t");
+                break;
+            case '\f':
+                put(o, "\\f");
+                break;
+            case '"':
+                put(o, "\\\"");
+                break;
+            case '\\':
+                put(o, "\\\\");
+                break;
+            case '/':
+                put(o, "\\/");
+                break;
+            default:
+                if (*p < 0x20) {
+                    std::snprintf(esc, sizeof esc, "\\u00%02x", *p);
+                    put(o, esc);
+                } else {
+                    put(o, reinterpret_cast<const char*>(p), 1);
+                }
         }
     }
     put(o, "\"");

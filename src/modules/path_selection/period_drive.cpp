@@ -14,6 +14,8 @@
 
 namespace {
 
+constexpr const char* kFn = "path_selection_while_hc_enabled";
+
 // The run's own storage: port lists and the bridge's clients with their
 // flows are far too large for the stack and must not come from the heap.
 struct period_storage {
@@ -30,17 +32,17 @@ int pick_ports(conf_interface* const* active, int n, bool conf_interface::*flag,
     for (int i = 0; i < n; i++) {
         if (!(active[i]->*flag))
             continue;
-        LYND_DEBUG_AS("path_selection_while_hc_enabled", "active_ports[%s] add to %s port list", active[i]->name, list);
+        LYND_DEBUG_AS(kFn, "active_ports[%s] add to %s port list", active[i]->name, list);
         out[count++] = active[i];
     }
     return count;
 }
 
 void log_clients(const client_entry* clients, int n) {
-    LYND_DEBUG_AS("path_selection_while_hc_enabled", "client_list num=%d", n);
+    LYND_DEBUG_AS(kFn, "client_list num=%d", n);
     for (int i = 0; i < n; i++) {
         const uint8_t* m = clients[i].mac;
-        LYND_DEBUG_AS("path_selection_while_hc_enabled", "  [%d]%02x:%02x:%02x:%02x:%02x:%02x", i, m[0], m[1], m[2], m[3], m[4], m[5]);
+        LYND_DEBUG_AS(kFn, "  [%d]%02x:%02x:%02x:%02x:%02x:%02x", i, m[0], m[1], m[2], m[3], m[4], m[5]);
     }
 }
 

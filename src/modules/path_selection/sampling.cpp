@@ -10,6 +10,8 @@
 
 namespace {
 
+constexpr const char* kFn = "path_selection_sample_wlan_sta_info";
+
 constexpr int kMaxStaLinks = 16;
 constexpr uint32_t kWiredRate = 1000;
 
@@ -38,8 +40,8 @@ void sample_wds_station(ap_iface* ap, const char* name, const wlan_link_info& l)
             continue;
         const uint8_t* m = c->hc.mac;
         const uint8_t* w = l.mac;
-        LYND_LOG_AS("path_selection_sample_wlan_sta_info", "find client[%02x:%02x:%02x:%02x:%02x:%02x] for wdsmac[%02x:%02x:%02x:%02x:%02x:%02x]", m[0], m[1],
-                 m[2], m[3], m[4], m[5], w[0], w[1], w[2], w[3], w[4], w[5]);
+        LYND_LOG_AS(kFn, "find client[%02x:%02x:%02x:%02x:%02x:%02x] for wdsmac[%02x:%02x:%02x:%02x:%02x:%02x]", m[0],
+                    m[1], m[2], m[3], m[4], m[5], w[0], w[1], w[2], w[3], w[4], w[5]);
         station_sample(c, l);
     }
 }
@@ -58,11 +60,11 @@ void sample_station(hc_path* paths, uint32_t path_type, const ap_iface& ap, cons
         return;
     const uint8_t* m = c->hc.mac;
     if (c->sta_type != path_type)
-        LYND_WARN_AS("path_selection_sample_wlan_sta_info", "client[%02x:%02x:%02x:%02x:%02x:%02x] mybe move, path_type[%d]->[%d]", m[0], m[1], m[2], m[3], m[4],
-                  m[5], c->sta_type, static_cast<int>(path_type));
+        LYND_WARN_AS(kFn, "client[%02x:%02x:%02x:%02x:%02x:%02x] mybe move, path_type[%d]->[%d]", m[0], m[1], m[2],
+                     m[3], m[4], m[5], c->sta_type, static_cast<int>(path_type));
     if (c->hc.src_port != ap.ifindex)
-        LYND_WARN_AS("path_selection_sample_wlan_sta_info", "client[%02x:%02x:%02x:%02x:%02x:%02x] mybe move, src_port[%d]->[%d]", m[0], m[1], m[2], m[3], m[4],
-                  m[5], static_cast<int>(c->hc.src_port), static_cast<int>(ap.ifindex));
+        LYND_WARN_AS(kFn, "client[%02x:%02x:%02x:%02x:%02x:%02x] mybe move, src_port[%d]->[%d]", m[0], m[1], m[2], m[3],
+                     m[4], m[5], static_cast<int>(c->hc.src_port), static_cast<int>(ap.ifindex));
     station_sample(c, l);
 }
 
@@ -112,11 +114,15 @@ void path_selection_sample_wlan_path_info(hc_path* path) {
     }
     link_sample* s = ring_append(&path->path_history, true);
     if (const debug_path_info* d = override_for(path->type, name)) {
-        *s = link_sample{d->txrate, d->rxrate, std::max(d->txrate, d->rxrate), d->rssi, d->noise,
-                         static_cast<int16_t>(d->rssi - d->noise)};
+        *s = link_sample{d->txrate, d->rxrate, std::max(d->txrate, d->rxrate),
+                         d->rssi,   d->noise,  static_cast<int16_t>(d->rssi - d->noise)};
         return;
     }
-    *s = link_sample{l.txrate, l.rxrate, std::max(l.txrate, l.rxrate), l.rssi, static_cast<int16_t>(l.noise),
+    *s = link_sample{l.txrate,
+                     l.rxrate,
+                     std::max(l.txrate, l.rxrate),
+                     l.rssi,
+                     static_cast<int16_t>(l.noise),
                      static_cast<int16_t>(l.snr)};
 }
 

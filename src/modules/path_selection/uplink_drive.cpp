@@ -13,14 +13,16 @@
 
 namespace {
 
+constexpr const char* kFn = "path_selection_update_uplink_path_for_hc_v2";
+
 // Everything but the dumps; false when the run ends early after a link change.
 bool steer(lynd_config* conf, conf_bridge* bridge, hc_path* paths, int has_path_overload, int has_busy) {
     hc_path* best = path_selection_find_best_path_v2(paths);
     if (best == nullptr) {
-        LYND_WARN_AS("path_selection_update_uplink_path_for_hc_v2", "not find best path");
+        LYND_WARN_AS(kFn, "not find best path");
         return true;
     }
-    LYND_DEBUG_AS("path_selection_update_uplink_path_for_hc_v2", "best path:%s", best->name);
+    LYND_DEBUG_AS(kFn, "best path:%s", best->name);
     char name[LYND_NAME_LEN];
     std::memcpy(name, best->name, sizeof name);
     if (lynd_get_link_state_changed()) {
@@ -29,11 +31,11 @@ bool steer(lynd_config* conf, conf_bridge* bridge, hc_path* paths, int has_path_
         return false;
     }
     (void)lynd_set_hc_preferred(bridge, name);
-    LYND_DEBUG_AS("path_selection_update_uplink_path_for_hc_v2", "has_path_overload:%d, has_clients_on_busy_path:%d", has_path_overload, has_busy);
+    LYND_DEBUG_AS(kFn, "has_path_overload:%d, has_clients_on_busy_path:%d", has_path_overload, has_busy);
     path_selection_update_uplink_hc_table_v2(conf, bridge, best, paths, has_busy);
     path_selection_check_dst_vlan_hc_table(conf, bridge, paths);
     if (bridge->bcast_type == IF_TYPE_2G && best->type != IF_TYPE_2G) {
-        LYND_INFO_AS("path_selection_update_uplink_path_for_hc_v2", "set bcast port:%s", name);
+        LYND_INFO_AS(kFn, "set bcast port:%s", name);
         loop_avoidance_set_bcast_port_by_ps(conf, bridge, name);
     }
     return true;
