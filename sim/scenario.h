@@ -27,7 +27,7 @@ struct ScenarioBridge {
     std::vector<std::string> ports;
 };
 
-enum class TimelineKind { UBUS, NETLINK, STATION_EXPIRED, LINK, UCI, BUS };
+enum class TimelineKind { UBUS, NETLINK, STATION_EXPIRED, LINK, UCI, BUS, CLIENT };  // CLIENT: kept by the client model
 
 struct TimelineEntry {
     int64_t at_ms = 0;

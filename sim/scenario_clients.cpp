@@ -1,5 +1,7 @@
 #include "sim/scenario_clients.h"
 
+#include <cstring>
+
 namespace lynd {
 
 namespace {
@@ -39,6 +41,31 @@ void parse_clients(JsonReader& r, json_object* root, Scenario* out) {
         if (parse_client(r, json_object_array_get_idx(list, i), out->duration_s, &c))
             out->clients.push_back(c);
     }
+}
+
+bool parse_client_timeline(JsonReader& r, json_object* o, int64_t at_ms, Scenario* out) {
+    if (json_object* join = json_member(o, "client_join")) {
+        SimClient c;
+        if (parse_client(r, join, out->duration_s, &c)) {
+            c.join_ms = at_ms;
+            if (c.leave_ms >= 0 && c.leave_ms < at_ms)
+                r.fail("a client leaves before it joins");
+            out->clients.push_back(c);
+        }
+        return true;
+    }
+    uint8_t mac[6];
+    if (json_member(o, "client_leave") == nullptr)
+        return false;
+    if (!json_get_mac(r, o, "client_leave", mac))
+        return r.fail("\"client_leave\" names a client by its MAC");
+    for (auto& c : out->clients) {
+        if (std::memcmp(c.mac, mac, 6) == 0 && c.join_ms <= at_ms) {
+            c.leave_ms = at_ms;
+            return true;
+        }
+    }
+    return r.fail("\"client_leave\" names a client that has not joined by then");
 }
 
 }  // namespace lynd

@@ -11,4 +11,9 @@ namespace lynd {
 // "clients" at the top: [{"mac", "port", "mbps", "join", "leave", "path"}].
 void parse_clients(JsonReader& r, json_object* root, Scenario* out);
 
+// Timeline forms: {"at": T, "client_join": {...}} is a client that joins at
+// T; {"at": T, "client_leave": MAC} makes a client known by then leave at T.
+// False when o is neither.
+bool parse_client_timeline(JsonReader& r, json_object* o, int64_t at_ms, Scenario* out);
+
 }  // namespace lynd

@@ -150,7 +150,8 @@ void parse_node(Reader& r, json_object* node, Scenario* out) {
     parse_node_mesh(r, node, out);
 }
 
-void parse_timeline_entry(Reader& r, json_object* o, const Scenario& sc, TimelineEntry* e) {
+void parse_timeline_entry(Reader& r, json_object* o, Scenario* out, TimelineEntry* e) {
+    const Scenario& sc = *out;
     std::string ifname;
     if (json_object* data = json_member(o, "data"); json_get_string(r, o, "ubus", &e->name, kMaxName)) {
         e->kind = TimelineKind::UBUS;
@@ -177,6 +178,8 @@ void parse_timeline_entry(Reader& r, json_object* o, const Scenario& sc, Timelin
         SimLink scratch;
         if (apply_link_fields(r, set, &scratch))
             e->data = json_object_to_json_string_ext(set, JSON_C_TO_STRING_PLAIN);
+    } else if (parse_client_timeline(r, o, e->at_ms, out)) {
+        e->kind = TimelineKind::CLIENT;
     } else if (json_get_string(r, o, "bus", &e->name, kMaxName)) {
         e->kind = TimelineKind::BUS;
         if (e->name != "down" && e->name != "up")
@@ -187,7 +190,7 @@ void parse_timeline_entry(Reader& r, json_object* o, const Scenario& sc, Timelin
         parse_uci(r, uci, &scratch);
         e->data = json_object_to_json_string_ext(uci, JSON_C_TO_STRING_PLAIN);
     } else if (r.ok) {
-        r.fail("timeline entry of an unknown kind (ubus, netlink, station_expired, link, uci or bus)");
+        r.fail("timeline entry of an unknown kind (ubus, netlink, station_expired, link, uci, bus, client_join or client_leave)");
     }
 }
 
@@ -201,7 +204,7 @@ void parse_timeline(Reader& r, json_object* list, Scenario* out) {
             return;
         }
         e.at_ms = at * 1000;
-        parse_timeline_entry(r, o, *out, &e);
+        parse_timeline_entry(r, o, out, &e);
         out->timeline.push_back(e);
     }
 }

@@ -102,6 +102,8 @@ void SimNode::play(const TimelineEntry& e) {
     case TimelineKind::UCI:
         change_uci(e);
         break;
+    case TimelineKind::CLIENT:
+        break;
     case TimelineKind::BUS:
         if (e.name == "down")
             bus_.daemon_down();

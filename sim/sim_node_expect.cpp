@@ -77,20 +77,22 @@ size_t SimNode::count_calls(const Expectation& e) const {
 
 ExpectResult SimNode::judge_file(const Expectation& e) const {
     ExpectResult r{&e, true, ""};
-    bool has = host_.has_file(e.text);
-    r.why = has ? "file holds \"" + host_.file(e.text) + "\"" : "no such file";
+    // A bare name is one of the daemon's state files in /tmp.
+    const std::string path = !e.text.empty() && e.text[0] == '/' ? e.text : "/tmp/" + e.text;
+    bool has = host_.has_file(path);
+    r.why = has ? "file holds \"" + host_.file(path) + "\"" : "no such file";
     if (e.absent) {
         r.passed = !has;
     } else if (e.json) {
-        json_object* doc = has ? json_tokener_parse(host_.file(e.text).c_str()) : nullptr;
+        json_object* doc = has ? json_tokener_parse(host_.file(path).c_str()) : nullptr;
         r.passed = doc != nullptr;
         json_object_put(doc);
     } else if (!e.equals.empty() || e.writes < 0) {
-        r.passed = has && host_.file(e.text) == e.equals;
+        r.passed = has && host_.file(path) == e.equals;
     }
     if (e.writes >= 0) {
-        r.passed = r.passed && host_.writes(e.text) == e.writes;
-        r.why += ", written " + std::to_string(host_.writes(e.text)) + " times";
+        r.passed = r.passed && host_.writes(path) == e.writes;
+        r.why += ", written " + std::to_string(host_.writes(path)) + " times";
     }
     return r;
 }

@@ -70,6 +70,23 @@ TEST(ScenarioParse, BadInputIsNamed) {
     }
 }
 
+TEST(ScenarioParse, ClientsJoinAndLeaveOnTheTimeline) {
+    Scenario sc;
+    std::string error;
+    ASSERT_TRUE(parse(R"({"duration": 100, "clients": [{"mac": "02:00:00:00:0a:01", "port": "ath1", "mbps": 5}],
+        "timeline": [{"at": 10, "client_join": {"mac": "02:00:00:00:0a:02", "port": "ath0", "path": "ath02"}},
+                     {"at": 20, "client_leave": "02:00:00:00:0a:02"},
+                     {"at": 30, "client_leave": "02:00:00:00:0a:01"}]})",
+                      &sc, &error))
+        << error;
+    ASSERT_EQ(2u, sc.clients.size());
+    EXPECT_EQ(30000, sc.clients[0].leave_ms);
+    EXPECT_EQ(10000, sc.clients[1].join_ms);
+    EXPECT_EQ(20000, sc.clients[1].leave_ms);
+    EXPECT_EQ("ath02", sc.clients[1].path);
+    EXPECT_FALSE(parse(R"({"timeline": [{"at": 5, "client_leave": "02:00:00:00:0a:09"}]})", &sc, &error));
+}
+
 TEST(ScenarioParse, NetlinkEntriesBecomeDatagrams) {
     Scenario sc;
     std::string error;

@@ -15,11 +15,6 @@ bool off_primary_vlan(const lynd_config* conf, const hc_path& p) {
     return conf->ts.enable && conf->ts.primary_vlan != 0 && lynd_get_ts_vlan(conf, p.name) != conf->ts.primary_vlan;
 }
 
-bool is_hc_bridge(const conf_bridge& br) {
-    return lynd_check_active_bridge(br.name) == 1 && (br.flags & BR_FLAG_PATH_SELECTION) != 0 &&
-           (br.ps_flags & PS_FLAG_HC) != 0;
-}
-
 }  // namespace
 
 void path_selection_event_link_state_hc(lynd_config* conf) {
@@ -27,7 +22,7 @@ void path_selection_event_link_state_hc(lynd_config* conf) {
     for (uint64_t i = 0; i < conf->n_bridges; i++) {
         if (lynd_get_work_mode() != WORK_MODE_RE)
             return;
-        if (is_hc_bridge(conf->bridges[i]))
+        if (path_selection_bridge(conf->bridges[i], true))
             path_selection_emergency_set_preferred(&conf->bridges[i]);
     }
 }

@@ -132,5 +132,8 @@ link_sample* ring_append(sample_ring* r, bool path_ring);
 
 void path_selection_hc_path_init(lynd_config* conf);
 ap_iface* path_selection_find_ap_iface_by_hc(hc_client* c);
+// An active bridge with path selection, and with the HC algorithm when hc.
+bool path_selection_bridge(const conf_bridge& br, bool hc);
+
 // A link seen up starts a fresh NORMAL path; one seen down goes UNLINK.
 void path_selection_apply_link_state(hc_path* p, bool up);

@@ -1,5 +1,6 @@
 #include <cstring>
 
+#include "bridge/port_inventory.h"
 #include "config/lynd_config.h"
 #include "core/log.h"
 #include "modules/path_selection/hc_records.h"
@@ -153,4 +154,10 @@ void path_selection_apply_link_state(hc_path* p, bool up) {
         p->last_state = p->state;
         p->state = PATH_UNLINK;
     }
+}
+
+bool path_selection_bridge(const conf_bridge& br, bool hc) {
+    if (lynd_check_active_bridge(br.name) != 1 || (br.flags & BR_FLAG_PATH_SELECTION) == 0)
+        return false;
+    return !hc || (br.ps_flags & PS_FLAG_HC) != 0;
 }

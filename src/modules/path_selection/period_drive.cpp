@@ -44,10 +44,6 @@ void log_clients(const client_entry* clients, int n) {
     }
 }
 
-bool is_path_selection_bridge(const conf_bridge& br) {
-    return lynd_check_active_bridge(br.name) == 1 && (br.flags & BR_FLAG_PATH_SELECTION) != 0;
-}
-
 }  // namespace
 
 void path_selection_timer_period_hc(lynd_config* conf) {
@@ -55,7 +51,7 @@ void path_selection_timer_period_hc(lynd_config* conf) {
     for (uint64_t i = 0; i < conf->n_bridges; i++) {
         if (lynd_get_work_mode() != WORK_MODE_RE)
             return;
-        if (is_path_selection_bridge(conf->bridges[i]))
+        if (path_selection_bridge(conf->bridges[i], false))
             path_selection_while_hc_enabled(&conf->bridges[i]);
     }
 }

@@ -11,14 +11,10 @@
 
 namespace {
 
-bool is_path_selection_bridge(const conf_bridge& br) {
-    return lynd_check_active_bridge(br.name) == 1 && (br.flags & BR_FLAG_PATH_SELECTION) != 0;
-}
-
 void path_selection_show_path_ports(lynd_config* conf) {
     conf_interface* ports[LYND_MAX_PORTS];
     for (uint64_t i = 0; i < conf->n_bridges; i++) {
-        if (!is_path_selection_bridge(conf->bridges[i]))
+        if (!path_selection_bridge(conf->bridges[i], false))
             continue;
         int n = lynd_get_path_ports(conf, conf->bridges[i].name, ports);
         for (int k = 0; k < n; k++)
@@ -32,7 +28,7 @@ void path_selection_startup_ifaces(lynd_config* conf) {
         if (lynd_get_work_mode() != WORK_MODE_RE)
             return;
         conf_bridge* br = &conf->bridges[i];
-        if (!is_path_selection_bridge(*br) || (br->ps_flags & PS_FLAG_HC) == 0)
+        if (!path_selection_bridge(*br, true))
             continue;
         path_selection_startup_uplink(br);
         path_selection_startup_aplink(br);
@@ -99,7 +95,7 @@ void path_selection_timer_short_period_hc(lynd_config* conf) {
         LYND_DEBUG("bridge %s", conf->bridges[i].name);
         if (lynd_get_work_mode() != WORK_MODE_RE)
             return;
-        if (!is_path_selection_bridge(conf->bridges[i]))
+        if (!path_selection_bridge(conf->bridges[i], false))
             continue;
         for (uint32_t t = 0; t < IF_TYPE_MAX; t++) {
             hc_path* p = &hc_paths[t];
