@@ -35,7 +35,7 @@ test-asan: deps
 # Each parser's fuzz target runs for a short bounded time when clang is here.
 fuzz: deps
 	@if command -v clang++ >/dev/null 2>&1; then \
-		CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -DLYND_FUZZ=ON -DLYND_TESTS=OFF -DLYND_SANITIZE=ON -DLYND_OPENWRT=OFF >/dev/null && \
+		CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -DLYND_FUZZ=ON -DLYND_TESTS=OFF -DLYND_SANITIZE=ON -DLYND_OPENWRT=AUTO $(CMAKE_ARGS) >/dev/null && \
 		cmake --build $(FUZZ_BUILD) -j $(JOBS) && \
 		tools/run-fuzzers $(FUZZ_BUILD) $(FUZZ_SECONDS); \
 	else echo "fuzz: clang++ not found, fuzz targets skipped"; fi

@@ -1,11 +1,13 @@
 // The real host against a real temporary directory and a console that is
 // not there.
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -19,6 +21,39 @@ namespace {
 std::string read_all(const std::string& path) {
     std::ifstream in(path);
     return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+// Every entry of dir but . and .., so a leftover under any name is seen.
+int entries_in(const std::string& dir) {
+    DIR* d = opendir(dir.c_str());
+    if (d == nullptr)
+        return -1;
+    int n = 0;
+    while (dirent* e = readdir(d))
+        n += std::string(e->d_name) != "." && std::string(e->d_name) != "..";
+    closedir(d);
+    return n;
+}
+
+// Writes line through a host whose console is console, with standard error
+// sent to a file; returns what reached standard error.
+std::string stderr_of_console_write(const char* console, const char* line) {
+    char path[] = "/tmp/lynd_stderr_XXXXXX";
+    int fd = mkstemp(path);
+    if (fd < 0)
+        return "mkstemp failed";
+    int saved = dup(STDERR_FILENO);
+    dup2(fd, STDERR_FILENO);
+    {
+        lynd::LinuxHost host(console);
+        host.console_write(line, std::strlen(line));
+    }
+    dup2(saved, STDERR_FILENO);
+    close(saved);
+    close(fd);
+    std::string got = read_all(path);
+    std::remove(path);
+    return got;
 }
 
 class LinuxHostFiles : public ::testing::Test {
@@ -62,30 +97,40 @@ TEST_F(LinuxHostFiles, PlantedFilesAndLinksNeitherRedirectNorBlockAStateFile) {
     EXPECT_TRUE(S_ISREG(st.st_mode));
     EXPECT_EQ("ath02\n", read_all(state));
 
-    // No temporary file is left behind.
-    int entries = 0;
-    for (const char* f : {"state", "state.tmp", "victim"})
-        entries += access((dir + "/" + f).c_str(), F_OK) == 0 || lstat((dir + "/" + f).c_str(), &st) == 0;
-    EXPECT_EQ(3, entries);
+    // No temporary file is left behind: state, the planted link, the victim.
+    EXPECT_EQ(3, entries_in(dir));
     EXPECT_FALSE(host.write_file((dir + "/no/such/dir").c_str(), "x", 1));
+}
+
+// A file of another process at the old fixed name keeps its bytes, and the
+// state file is still published, as a file of its own.
+TEST_F(LinuxHostFiles, APlantedFileAtTheOldNameIsLeftAlone) {
+    const std::string state = dir + "/state", planted = state + ".tmp";
+    { std::ofstream(planted) << "planted"; }
+    struct stat before{};
+    ASSERT_EQ(0, stat(planted.c_str(), &before));
+    ASSERT_TRUE(host.write_file(state.c_str(), "br-lan\n", 7));
+    EXPECT_EQ("br-lan\n", read_all(state));
+    EXPECT_EQ("planted", read_all(planted));
+    struct stat after{};
+    ASSERT_EQ(0, stat(state.c_str(), &after));
+    EXPECT_NE(before.st_ino, after.st_ino);
+    EXPECT_EQ(2, entries_in(dir));
 }
 
 // Without a console the line reaches standard error, which procd logs.
 TEST(LinuxHostConsole, AMissingConsoleFallsBackToStandardError) {
-    char path[] = "/tmp/lynd_stderr_XXXXXX";
-    int fd = mkstemp(path);
-    ASSERT_GE(fd, 0);
-    int saved = dup(STDERR_FILENO);
-    ASSERT_EQ(STDERR_FILENO, dup2(fd, STDERR_FILENO));
-    {
-        lynd::LinuxHost host("/nonexistent/console");
-        host.console_write("<LYND_ERR>[x, 1] lost?\n", 23);
-    }
-    dup2(saved, STDERR_FILENO);
-    close(saved);
-    close(fd);
-    EXPECT_EQ("<LYND_ERR>[x, 1] lost?\n", read_all(path));
-    std::remove(path);
+    EXPECT_EQ("<LYND_ERR>[x, 1] lost?\n", stderr_of_console_write("/nonexistent/console", "<LYND_ERR>[x, 1] lost?\n"));
+}
+
+// A console that opens but takes no bytes (a full device) loses nothing either.
+TEST(LinuxHostConsole, AnUnwritableConsoleFallsBackToStandardError) {
+    EXPECT_EQ("<LYND_WARN>[y, 2] full\n", stderr_of_console_write("/dev/full", "<LYND_WARN>[y, 2] full\n"));
+}
+
+// With a console that works, standard error stays quiet.
+TEST(LinuxHostConsole, AWorkingConsoleLeavesStandardErrorAlone) {
+    EXPECT_EQ("", stderr_of_console_write("/dev/null", "<LYND_INFO>[z, 3] fine\n"));
 }
 
 }  // namespace

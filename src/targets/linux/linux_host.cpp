@@ -144,7 +144,8 @@ bool LinuxHost::write_file(const char* path, const char* data, size_t len) {
     char tmp[256];
     if (std::snprintf(tmp, sizeof tmp, "%s.XXXXXX", path) >= static_cast<int>(sizeof tmp))
         return false;
-    int fd = ::mkostemp(tmp, O_CLOEXEC);
+    // mkostemp adds O_CREAT|O_EXCL; O_NOFOLLOW says outright that no link is followed.
+    int fd = ::mkostemp(tmp, O_CLOEXEC | O_NOFOLLOW);
     if (fd < 0)
         return false;
     // Other programs read these files.

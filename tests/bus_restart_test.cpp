@@ -1,0 +1,95 @@
+// ubusd goes away and comes back while the daemon runs on a simulated node:
+// events before, during and after, the retry times, the reload once back.
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "platform/seams.h"
+#include "sim/sim_node.h"
+#include "tests/scenario_text.h"
+
+namespace {
+
+const char* const kNode = R"("duration": 60, "args": ["-l", "3"],
+    "config": {"enable": true, "bridges": {"br-lan": {"loop_avoidance": true}},
+               "interfaces": {"ath12": {"type": "5g", "path": true, "nonrelay": true}, "ath1": {"type": "5g"}}},
+    "node": {"uci": {"sysmode.sysmode.mode": "repeater"},
+             "tools": {"iwpriv wifi0 dbdc_enable 0": "", "iwpriv wifi0 dbdc_enable 1": ""},
+             "interfaces": [{"name": "ath12", "ifindex": 12}, {"name": "ath1", "ifindex": 21}],
+             "bridges": [{"name": "br-lan", "ports": ["ath12", "ath1"]}]},
+    "links": {"ath12": {"txrate": 866, "rxrate": 780}},)";
+
+// One letter per expectation, P or F, in the scenario's order.
+std::string verdicts(const std::string& timeline_and_expect) {
+    lynd::Scenario sc;
+    std::string error;
+    if (!parse(std::string("{") + kNode + timeline_and_expect + "}", &sc, &error))
+        return "parse: " + error;
+    const lynd::Seams saved = lynd::installed_seams();
+    lynd::SimNode node(sc);
+    lynd::RunOutcome o = node.run("lynd", {});
+    lynd::install_seams(saved);
+    std::string v;
+    for (const auto& r : o.results)
+        v += r.passed ? "P" : "F";
+    return v;
+}
+
+// A link-state event flushes the bridge's table once per delivery.
+constexpr const char* kFlush = "bridgeFlushHipTable br-lan";
+
+TEST(BusRestart, EventsBeforeAndAfterAreHandledThoseDuringAreLost) {
+    std::string v = verdicts(std::string(R"(
+        "timeline": [{"at": 10, "ubus": "lynd.link_state", "data": {"link_state": 0}},
+                     {"at": 20, "bus": "down"},
+                     {"at": 22, "ubus": "lynd.link_state", "data": {"link_state": 0}},
+                     {"at": 22, "ubus": "lynd.configure", "data": {"mode": "HAP"}},
+                     {"at": 30, "bus": "up"},
+                     {"at": 45, "ubus": "lynd.link_state", "data": {"link_state": 0}}],
+        "expect": [{"call": ")") + kFlush + R"(", "count": 1, "from": 10, "to": 10},
+                   {"call": ")" + kFlush + R"(", "count": 0, "from": 20, "to": 34},
+                   {"log_absent": "work mode: 2"},
+                   {"call": ")" + kFlush + R"(", "count": 1, "from": 45, "to": 45},
+                   {"log_contains": "<LYND_ERR>[event_ubus_lost, ", "count": 1},
+                   {"log_contains": "<LYND_INFO>[event_ubus_retry, ", "count": 1},
+                   {"log_contains": "] link-state events sent while ubus was away may have been missed", "count": 1},
+                   {"exit": 0}])");
+    EXPECT_EQ("PPPPPPPP", v);
+}
+
+// Tries at 1, 2, 4 and then every 8 seconds: lost at 10, tried at 11, 13,
+// 17, 25, 33 and 41, so ubusd back at 34 is found at 41. An expectation at
+// N is judged before what falls due at N.
+TEST(BusRestart, TheRetryDelayDoublesUpToEightSeconds) {
+    std::string v = verdicts(R"(
+        "timeline": [{"at": 10, "bus": "down"}, {"at": 34, "bus": "up"}],
+        "expect": [{"at": 41, "log_contains": "] ubus connection is back", "count": 0},
+                   {"at": 42, "log_contains": "] ubus connection is back", "count": 1},
+                   {"log_contains": "] ubus connection lost, reconnecting", "count": 1}])");
+    EXPECT_EQ("PPP", v);
+}
+
+// A second loss starts again from the first delay.
+TEST(BusRestart, EachLossStartsFromTheFirstDelay) {
+    std::string v = verdicts(R"(
+        "timeline": [{"at": 10, "bus": "down"}, {"at": 10, "bus": "up"},
+                     {"at": 30, "bus": "down"}, {"at": 30, "bus": "up"}],
+        "expect": [{"at": 11, "log_contains": "] ubus connection is back", "count": 0},
+                   {"at": 12, "log_contains": "] ubus connection is back", "count": 1},
+                   {"at": 31, "log_contains": "] ubus connection is back", "count": 1},
+                   {"at": 32, "log_contains": "] ubus connection is back", "count": 2},
+                   {"log_contains": "] ubus connection lost, reconnecting", "count": 2}])");
+    EXPECT_EQ("PPPPP", v);
+}
+
+// What the missed events would have changed is read again: traffic
+// separation loads at start and once more when the bus is back.
+TEST(BusRestart, TrafficSeparationIsReloadedOnceBack) {
+    std::string v = verdicts(R"(
+        "timeline": [{"at": 10, "bus": "down"}, {"at": 12, "bus": "up"}],
+        "expect": [{"at": 9, "log_contains": "exit TS mode", "count": 1},
+                   {"at": 14, "log_contains": "exit TS mode", "count": 2}])");
+    EXPECT_EQ("PP", v);
+}
+
+}  // namespace
