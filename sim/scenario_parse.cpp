@@ -351,12 +351,32 @@ bool scenario_parse(const char* text, size_t len, Scenario* out, std::string* er
     return r.ok;
 }
 
+namespace {
+
+// The path-selection expectations carry their wanted value outside `text`.
+std::string what_of(const Expectation& e) {
+    switch (e.kind) {
+        case ExpectKind::EXIT:
+        case ExpectKind::POOL:
+            return " " + std::to_string(e.value);
+        case ExpectKind::PREFERRED:
+            return " \"" + e.equals + "\"";
+        case ExpectKind::PATH_STATE:
+        case ExpectKind::SAMPLES:
+            return "";
+        default:
+            return " \"" + e.text + "\"";
+    }
+}
+
+}  // namespace
+
 std::string describe(const Expectation& e) {
     static const char* const kinds[] = {"log_contains", "log_absent", "exit",        "call",      "file",
                                         "run",          "client",     "client",      "bridge",    "wds_deleted",
                                         "path_state",   "preferred",  "samples",     "pool"};
     std::string s = kinds[static_cast<int>(e.kind)];
-    s += e.kind == ExpectKind::EXIT ? " " + std::to_string(e.value) : " \"" + e.text + "\"";
+    s += what_of(e);
     if (e.kind == ExpectKind::CLIENT_PATH)
         s += " path \"" + e.equals + "\"";
     if (e.kind == ExpectKind::CLIENT_MOVES)

@@ -87,6 +87,20 @@ TEST(ScenarioParse, ClientsJoinAndLeaveOnTheTimeline) {
     EXPECT_FALSE(parse(R"({"timeline": [{"at": 5, "client_leave": "02:00:00:00:0a:09"}]})", &sc, &error));
 }
 
+TEST(ScenarioParse, PathExpectationsNameTheirWantedValue) {
+    Scenario sc;
+    std::string error;
+    ASSERT_TRUE(parse(R"({"duration": 10, "expect": [{"at": 1, "preferred": "ath12"}, {"pool": 3},
+        {"at": 2, "samples": {"ath12": 5}}, {"path_state": {"ath02": "WEAKLINK"}}]})",
+                      &sc, &error))
+        << error;
+    ASSERT_EQ(4u, sc.expect.size());
+    EXPECT_EQ("preferred \"ath12\" at 1 s", lynd::describe(sc.expect[0]));
+    EXPECT_EQ("pool 3", lynd::describe(sc.expect[1]));
+    EXPECT_EQ("samples ath12=5 at 2 s", lynd::describe(sc.expect[2]));
+    EXPECT_EQ("path_state ath02=WEAKLINK", lynd::describe(sc.expect[3]));
+}
+
 TEST(ScenarioParse, NetlinkEntriesBecomeDatagrams) {
     Scenario sc;
     std::string error;
