@@ -90,6 +90,12 @@ TEST_F(ClientSyncTest, NewEntriesJoinTheRecordsUnlessRefused) {
         path_selection_event_add_entry_hc(&e);
     }
     EXPECT_EQ(1u, host.count_logged("] hc_entrys list pool is full"));
+    size_t on_five = 0;
+    for (lynd_list* n = hc_paths[IF_TYPE_5G].clients.next; n != &hc_paths[IF_TYPE_5G].clients; n = n->next)
+        on_five++;
+    EXPECT_EQ(static_cast<size_t>(HC_MAX_CLIENTS - 1), on_five);  // the refused one left no trace
+    EXPECT_EQ(c, find(1, IF_TYPE_2G));
+    EXPECT_EQ(nullptr, hc_pool_alloc());
 }
 
 }  // namespace
