@@ -2,7 +2,10 @@
 
 #include <json-c/json.h>
 
+#include <cstring>
+
 #include "sim/bus_json.h"
+#include "sim/json_reply.h"
 
 namespace lynd {
 
@@ -35,6 +38,7 @@ void SimBus::daemon_down() {
     bool was = connected_;
     connected_ = false;
     handler_ = nullptr;
+    object_ = nullptr;
     if (was && lost_ != nullptr)
         lost_(lost_ctx_);
 }
@@ -52,6 +56,43 @@ void SimBus::free() {
     free_count_++;
     connected_ = false;
     handler_ = nullptr;
+    object_ = nullptr;
+}
+
+int SimBus::add_object(const BusObject& object) {
+    if (!connected_)
+        return BUS_STATUS_CONNECTION_FAILED;
+    if (object.n_methods > BUS_MAX_METHODS)
+        return BUS_STATUS_INVALID_ARGUMENT;
+    for (int i = 0; i < object.n_methods; i++)
+        if (object.methods[i].n_args > BUS_MAX_METHOD_ARGS)
+            return BUS_STATUS_INVALID_ARGUMENT;
+    object_ = &object;
+    objects_added_++;
+    return 0;
+}
+
+int SimBus::call(const std::string& object, const std::string& method, const std::string& args, std::string* reply,
+                 bool pretty) {
+    if (!connected_ || !has_object(object))
+        return BUS_STATUS_NOT_FOUND;
+    bool known = false;
+    for (int i = 0; i < object_->n_methods; i++)
+        known = known || method == object_->methods[i].name;
+    if (!known)
+        return BUS_STATUS_METHOD_NOT_FOUND;
+    json_object* obj = json_tokener_parse(args.empty() ? "{}" : args.c_str());
+    BusJsonMessage m;
+    if (!bus_message_from_json(obj, &m)) {
+        json_object_put(obj);
+        return BUS_STATUS_INVALID_ARGUMENT;  // ubus refuses such text before sending it
+    }
+    JsonReply out;
+    int rc = object_->handler(object_->ctx, method.c_str(), m.msg, out);
+    json_object_put(obj);
+    if (rc == BUS_STATUS_OK && reply != nullptr)
+        *reply = out.text(pretty);
+    return rc;
 }
 
 // A trailing '*' matches any rest of the name, as ubus patterns do.

@@ -24,6 +24,14 @@ public:
     void daemon_up() { daemon_up_ = true; }
     int reconnects() const { return reconnects_; }
 
+    // Calls a method of an object on the bus, as `ubus call` does: a
+    // BusStatus, with the reply's JSON text when BUS_STATUS_OK. args must be
+    // a JSON object's text (empty for none).
+    int call(const std::string& object, const std::string& method, const std::string& args, std::string* reply,
+             bool pretty = false);
+    bool has_object(const std::string& name) const { return object_ != nullptr && name == object_->name; }
+    int objects_added() const { return objects_added_; }
+
     int connect() override;
     int register_event_handler(const char* pattern, BusEventHandler handler, void* ctx) override;
     const char* strerror(int error) override;
@@ -34,6 +42,7 @@ public:
         lost_ctx_ = ctx;
     }
     int reconnect() override;
+    int add_object(const BusObject& object) override;
 
 private:
     bool matches(const std::string& type) const;
@@ -49,6 +58,8 @@ private:
     void* lost_ctx_ = nullptr;
     bool daemon_up_ = true;
     int reconnects_ = 0;
+    const BusObject* object_ = nullptr;
+    int objects_added_ = 0;
 };
 
 }  // namespace lynd

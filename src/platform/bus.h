@@ -57,6 +57,57 @@ struct bus_policy {
 // found has room for policy_len attributes: tb[i] points into it.
 int bus_parse(const bus_policy* policy, int policy_len, const BusAttr** tb, BusAttr* found, const BusMessage& msg);
 
+// The first attribute named name, whatever its type: false when none.
+bool bus_find(const BusMessage& msg, const char* name, BusAttr* out);
+
+// Status codes of a method call, numbered as ubus numbers them.
+enum BusStatus : int {
+    BUS_STATUS_OK = 0,
+    BUS_STATUS_INVALID_COMMAND = 1,
+    BUS_STATUS_INVALID_ARGUMENT = 2,
+    BUS_STATUS_METHOD_NOT_FOUND = 3,
+    BUS_STATUS_NOT_FOUND = 4,
+    BUS_STATUS_UNKNOWN_ERROR = 9,
+    BUS_STATUS_CONNECTION_FAILED = 10,
+};
+
+// A method's reply under construction. Tables and arrays nest; inside an
+// array the names are ignored. An integer travels as INT32 when it fits,
+// else as INT64, as `ubus call` prints numbers.
+class BusReply {
+public:
+    virtual ~BusReply() = default;
+    virtual void open_table(const char* name) = 0;
+    virtual void open_array(const char* name) = 0;
+    virtual void close() = 0;
+    virtual void put_string(const char* name, const char* value) = 0;
+    virtual void put_int(const char* name, int64_t value) = 0;
+    virtual void put_bool(const char* name, bool value) = 0;
+    virtual void put_double(const char* name, double value) = 0;
+};
+
+// Limits of one object, so that a back-end can keep it in fixed storage.
+constexpr int BUS_MAX_METHODS = 8;
+constexpr int BUS_MAX_METHOD_ARGS = 4;
+
+struct BusMethod {
+    const char* name;
+    const bus_policy* args;  // what a listing shows; the handler checks them
+    int n_args;
+};
+
+// Answers one call: a BusStatus, with the reply filled when BUS_STATUS_OK.
+using BusMethodHandler = int (*)(void* ctx, const char* method, const BusMessage& args, BusReply& reply);
+
+// An object others call; it and its tables must outlive the connection.
+struct BusObject {
+    const char* name;
+    const BusMethod* methods;
+    int n_methods;
+    BusMethodHandler handler;
+    void* ctx;
+};
+
 using BusEventHandler = void (*)(void* ctx, const char* type, const BusMessage& msg);
 // Called once when the connection to the bus daemon is lost.
 using BusLostHandler = void (*)(void* ctx);
@@ -73,8 +124,12 @@ public:
     virtual void free() = 0;
     virtual void set_lost_handler(BusLostHandler handler, void* ctx) = 0;
     // Drops what is left of the old connection and connects anew: 0 when
-    // back (handlers must then be registered again), else an error code.
+    // back (handlers and objects must then be added again), else an error code.
     virtual int reconnect() = 0;
+    // Publishes object on the connection: 0, or an error code. One object
+    // per connection; more than BUS_MAX_METHODS methods, or more than
+    // BUS_MAX_METHOD_ARGS arguments to one, are refused.
+    virtual int add_object(const BusObject& object) = 0;
 };
 
 }  // namespace lynd

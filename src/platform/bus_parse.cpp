@@ -36,4 +36,26 @@ int bus_parse(const bus_policy* policy, int policy_len, const BusAttr** tb, BusA
     return 0;
 }
 
+bool bus_find(const BusMessage& msg, const char* name, BusAttr* out) {
+    if (msg.malformed)
+        return false;
+    if (msg.walk == nullptr) {
+        for (size_t a = 0; a < msg.count; a++) {
+            if (msg.attrs[a].name != nullptr && std::strcmp(msg.attrs[a].name, name) == 0) {
+                *out = msg.attrs[a];
+                return true;
+            }
+        }
+        return false;
+    }
+    BusAttr attr{};
+    for (size_t pos = 0; msg.walk(msg.raw, msg.raw_len, &pos, &attr);) {
+        if (attr.name != nullptr && std::strcmp(attr.name, name) == 0) {
+            *out = attr;
+            return true;
+        }
+    }
+    return false;
+}
+
 }  // namespace lynd
