@@ -148,6 +148,7 @@ config_parse_result config_parse(lynd_config* conf, const char* text, size_t len
     conf->n_bridges = 0;
     conf->n_interfaces = 0;
     conf->enable = json_bool_or(root, "enable", false);
+    conf->shadow = json_bool_or(root, "shadow", false);
     config_parse_result rc = config_parse_result::OK;
     if (json_object* bridges = section(root, "bridges"))
         load_bridges(conf, bridges);

@@ -47,6 +47,7 @@ struct conf_interface {
 
 struct lynd_config {
     bool enable;
+    bool shadow;  // decide and tell, steer nothing
     uint64_t n_bridges;
     conf_bridge bridges[LYND_MAX_BRIDGES];
     uint64_t n_interfaces;

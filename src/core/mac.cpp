@@ -10,3 +10,8 @@ int lynd_parse_mac_text(const char* text, char sep, uint8_t* mac_out) {
         mac_out[i] = static_cast<uint8_t>(o[i]);
     return n > 0 ? n : 0;
 }
+
+void lynd_mac_text(const uint8_t* mac, char* out) {
+    std::snprintf(out, LYND_MAC_TEXT_LEN, "%02x:%02x:%02x:%02x:%02x:%02x", mac[0], mac[1], mac[2], mac[3], mac[4],
+                  mac[5]);
+}

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 constexpr int LYND_MAC_LEN = 6;
+constexpr int LYND_MAC_TEXT_LEN = 18;  // "xx:xx:xx:xx:xx:xx" and the terminator
 
 inline bool lynd_mac_is_zero(const uint8_t* mac) {
     for (int i = 0; i < LYND_MAC_LEN; i++)
@@ -14,3 +15,6 @@ inline bool lynd_mac_is_zero(const uint8_t* mac) {
 // Pure: reads text as "XX-XX-XX-XX-XX-XX" when sep is '-', else as
 // "XX:XX:XX:XX:XX:XX". Octets that do not parse are 0; the count parsed.
 int lynd_parse_mac_text(const char* text, char sep, uint8_t* mac_out);
+
+// "xx:xx:xx:xx:xx:xx"; out has room for LYND_MAC_TEXT_LEN bytes.
+void lynd_mac_text(const uint8_t* mac, char* out);

@@ -3,7 +3,9 @@
 #include "bridge/controller.h"
 #include "bridge/host_stats.h"
 #include "bridge/hybrid_tables.h"
+#include "core/decision_ring.h"
 #include "core/log.h"
+#include "core/shadow.h"
 #include "event/event_dispatch.h"
 #include "modules/loop_avoidance/bcast_port.h"
 #include "modules/path_selection/hc_records.h"
@@ -20,4 +22,6 @@ void lynd_process_state_reset() {
     l_ev = nullptr;
     loop_avoidance_state_reset();
     path_selection_state_reset();
+    decision_ring_reset();
+    lynd_shadow_reset();
 }

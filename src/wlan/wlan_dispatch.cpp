@@ -1,5 +1,6 @@
 #include "wlan/wlan_platform.h"
 
+#include "core/shadow.h"
 #include "wlan/qca/wlan_platform_qca.h"
 
 const wlan_platform* wlan_platform_ops = &wlan_platform_qca;
@@ -30,16 +31,22 @@ bool wlan_get_client_channel_utilization(const char* ifname, uint8_t* util, uint
 }
 
 void wlan_activate_links(const char* ifname, const conf_param* param) {
+    if (lynd_shadow_holds("keep-alive frames"))
+        return;
     if (auto fn = slot(&wlan_platform::activate_links))
         fn(ifname, param);
 }
 
 uint8_t wlan_activate_links_for_ap(const char* ifname, const conf_param* param) {
+    if (lynd_shadow_holds("keep-alive frames"))
+        return 0;
     auto fn = slot(&wlan_platform::activate_links_for_ap);
     return fn != nullptr ? fn(ifname, param) : 0;
 }
 
 void wlan_delete_wds_entry(const char* ifname, const uint8_t* mac) {
+    if (lynd_shadow_holds("WDS entry deletion"))
+        return;
     if (auto fn = slot(&wlan_platform::delete_wds_entry))
         fn(ifname, mac);
 }
@@ -70,11 +77,15 @@ bool wlan_get_if_tx_rx_stat(const char* ifname, void* out) {
 }
 
 int lynd_flush_all_fcache_flow() {
+    if (lynd_shadow_holds("flow cache flush"))
+        return 0;
     auto fn = slot(&wlan_platform::flush_all_fcache_flow);
     return fn != nullptr ? fn() : 0;
 }
 
 bool lynd_flush_fcache_flow_entry(uint32_t id) {
+    if (lynd_shadow_holds("flow cache flush"))
+        return true;
     auto fn = slot(&wlan_platform::flush_fcache_flow_entry);
     return fn != nullptr && fn(id);
 }
@@ -90,6 +101,8 @@ bool lynd_get_maximal_ha_entries_from_fcache(void* a, uint8_t b, void* c) {
 }
 
 int lynd_flush_fc_flow_by_mac(const uint8_t* mac) {
+    if (lynd_shadow_holds("flow cache flush"))
+        return 0;
     auto fn = slot(&wlan_platform::flush_fc_flow_by_mac);
     return fn != nullptr ? fn(mac) : 0;
 }

@@ -6,6 +6,7 @@
 #include "bridge/port_inventory.h"
 #include "config/ts_vlan.h"
 #include "core/log.h"
+#include "core/shadow.h"
 #include "platform/seams.h"
 #include "wlan/wlan.h"
 
@@ -118,7 +119,7 @@ void loop_avoidance_publish_bcast_port(int i, const char* name) {
     size_t len = strnlen(name, LYND_NAME_LEN - 1);
     std::memcpy(text, name, len);
     text[len] = '\n';
-    if (!lynd::host().write_file(BCAST_PORT_FILE, text, len + 1))
+    if (!lynd_shadow_holds("broadcast file") && !lynd::host().write_file(BCAST_PORT_FILE, text, len + 1))
         LYND_ERR("write %s", BCAST_PORT_FILE);
     std::memset(g_loop_avoidance.last_bcast_port[i], 0, LYND_NAME_LEN);
     std::memcpy(g_loop_avoidance.last_bcast_port[i], name, len);

@@ -1,7 +1,10 @@
 #include "modules/path_selection/best_path.h"
 
 #include "bridge/host_stats.h"
+#include "core/decision_ring.h"
 #include "core/log.h"
+#include "modules/path_selection/explain_records.h"
+#include "modules/path_selection/path_insight.h"
 #include "modules/path_selection/sampling.h"
 
 namespace {
@@ -30,6 +33,9 @@ void rate_path(const hc_client& c, const hc_path& x, uint8_t here, uint64_t sq, 
     uint64_t bq = path_selection_backhaul_quality(x);
     uint64_t q = path_selection_path_quality(bq, sq, wireless, x.type == c.sta_type);
     bool limited = wireless && bq != 0 && sq != 0 && x.type != c.sta_type && bq > sq;
+    explain_candidate_add(explain_of(&c), explain_candidate{x.type, x.overload == 1, limited,
+                                                            wireless && x.type == c.sta_type, path_weight(x), x.quota,
+                                                            x.rate, bq, q});
     if (wireless) {
         const uint8_t* m = c.hc.mac;
         LYND_LOG_AS(kFn, "wlan client[%02x:%02x:%02x:%02x:%02x:%02x] sta_type[%d] path_type[%d]", m[0], m[1], m[2],
@@ -53,7 +59,8 @@ void rate_path(const hc_client& c, const hc_path& x, uint8_t here, uint64_t sq, 
 }
 
 // A move must gain more than the threshold over where the client is.
-void damp(choice* ch, const hc_path& here, const hc_path* paths, uint8_t threshold) {
+void damp(choice* ch, const hc_path& here, const hc_path* paths, uint8_t threshold, client_explain& e) {
+    e.ranked = ch->path;
     if (ch->path == here.type)
         return;
     uint64_t delta = static_cast<uint64_t>(threshold) + 1;
@@ -65,8 +72,12 @@ void damp(choice* ch, const hc_path& here, const hc_path* paths, uint8_t thresho
     } else if (ch->cur_bq != 0 && ch->cur_bq > ch->bq - ch->cur_bq) {
         delta = (ch->bq - ch->cur_bq) * 100 / ch->cur_bq;
     }
+    e.damping_checked = true;
+    e.delta_percent = static_cast<uint32_t>(delta > UINT32_MAX ? UINT32_MAX : delta);
+    e.threshold = threshold;
     if (delta > threshold)
         return;
+    e.damped = true;
     LYND_LOG_AS(kFn, "quality: new_path=%s, last_path=%s, delta_percent=%d<%d, not change the path",
                 paths[ch->path].name, here.name, static_cast<int>(delta), threshold);
     ch->path = here.type;
@@ -75,15 +86,19 @@ void damp(choice* ch, const hc_path& here, const hc_path* paths, uint8_t thresho
 
 uint8_t choose(hc_client* c, const hc_path& here, hc_path* paths, uint8_t threshold) {
     uint64_t sq = 0;
+    uint32_t rate = 0;
     if (c->sta_type < PATH_NONE) {
-        uint32_t rate = path_selection_get_wl_sta_info_rate(c);
+        rate = path_selection_get_wl_sta_info_rate(c);
         sq = station_quality(*c, paths, rate);
     }
+    explain_begin(c, here.type, sq, rate);
     choice ch;
     for (uint32_t x = 0; x < IF_TYPE_MAX; x++)
         if (path_is_live(paths[x]))
             rate_path(*c, paths[x], here.type, sq, &ch);
-    damp(&ch, here, paths, threshold);
+    client_explain& e = explain_of(c);
+    damp(&ch, here, paths, threshold, e);
+    e.best = ch.path;
     const uint8_t* m = c->hc.mac;
     LYND_LOG_AS(kFn, "client[%02x:%02x:%02x:%02x:%02x:%02x] best path:%s, quality:%lld", m[0], m[1], m[2], m[3], m[4],
                 m[5], ch.path < PATH_NONE ? paths[ch.path].name : "", static_cast<long long>(ch.q));
@@ -97,8 +112,10 @@ uint8_t path_selection_next_magic() {
     return static_cast<uint8_t>(g_hc_rand_state >> 16);
 }
 
+uint32_t path_weight(const hc_path& p) { return p.priority == 0 ? 80u : (p.priority - 1u) * 20u + 100u; }
+
 uint32_t path_selection_backhaul_quality(const hc_path& p) {
-    uint32_t weight = p.priority == 0 ? 80u : (p.priority - 1u) * 20u + 100u;
+    uint32_t weight = path_weight(p);
     uint32_t free = p.quota > 0 ? static_cast<uint32_t>(p.quota) / 100u : 0u;
     return free * p.rate * weight;
 }
@@ -119,21 +136,27 @@ void path_selection_init_path_quota_v2(conf_bridge* bridge, hc_path* paths) {
             continue;
         int busy = p.util + p.reserved_ratio;
         p.quota = static_cast<int16_t>(busy < 100 ? (100 - busy) * 100 : 0);
+        uint8_t& block = g_path_insight[i].quota_block;
+        block = QUOTA_OPEN;
         if (cpu && i == IF_TYPE_2G) {
             LYND_WARN("cpu overload! lynd will not select 2.4G!");
             p.quota = 0;
+            block = QUOTA_CPU;
         }
         if (p.state == PATH_WEAKLINK_ABNORMAL || p.state == PATH_ABNORMAL) {
             LYND_WARN("%s is abnomal! lynd will not select it!", p.name);
             p.quota = 0;
+            block = QUOTA_ABNORMAL;
         }
         if (bridge->best_state == PATH_NORMAL && p.state == PATH_WEAKLINK) {
             LYND_WARN("%s is weak! lynd will not select it!", p.name);
             p.quota = 0;
+            block = QUOTA_WEAK;
         }
         if (g_dbg_overload_mask & (1u << i)) {
             LYND_WARN("%s is set overload! lynd will not select it!", p.name);
             p.quota = 0;
+            block = QUOTA_DEBUG;
         }
         LYND_LOG("path: %s, util: %d, quota: %d, rate: %d", p.name, p.util, p.quota, p.rate);
     }
@@ -160,6 +183,7 @@ int path_selection_check_path_overload_v2(conf_bridge*, hc_path* paths, int* has
 
 hc_path* path_selection_find_best_path_v2(hc_path* paths) {
     g_hc_magic = path_selection_next_magic();
+    g_explain_run_ms = lynd_monotonic_ms();
     hc_path* node_best = nullptr;
     int usable = 0;
     for (uint32_t p = 0; p < IF_TYPE_MAX; p++)

@@ -13,6 +13,7 @@ int path_selection_check_path_overload_v2(conf_bridge* bridge, hc_path* paths, i
 hc_path* path_selection_find_best_path_v2(hc_path* paths);
 
 // Pure pieces of the rating.
+uint32_t path_weight(const hc_path& p);
 uint32_t path_selection_backhaul_quality(const hc_path& p);
 uint64_t path_selection_path_quality(uint64_t bq, uint64_t sq, bool wireless, bool own_band);
 // The next run magic: a small generator, repeatable from a reset.

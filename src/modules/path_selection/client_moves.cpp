@@ -6,6 +6,8 @@
 #include "config/ts_vlan.h"
 #include "core/log.h"
 #include "core/vlan_name.h"
+#include "modules/path_selection/client_log.h"
+#include "modules/path_selection/explain_records.h"
 #include "modules/path_selection/ts_destination.h"
 #include "platform/seams.h"
 #include "wlan/wlan.h"
@@ -21,10 +23,12 @@ struct Candidate {
 };
 
 // Whether the hysteresis lets c leave slot p this run.
-bool may_move(hc_client* c, const hc_path& p, int has_clients_on_busy_path, uint8_t threshold) {
+bool may_move(hc_client* c, const hc_path& p, int has_clients_on_busy_path, uint8_t threshold, client_explain& e) {
+    e.count_needed = threshold;
     if ((has_clients_on_busy_path && p.overload != 1) || c->best_path == PATH_NONE) {
         c->busy_count = 0;
         c->idle_count = 0;
+        e.outcome = OUTCOME_NOT_BUSY;
         LYND_INFO_AS(kFn, "not busy, not adjust :%s", p.name);
         return false;
     }
@@ -32,11 +36,14 @@ bool may_move(hc_client* c, const hc_path& p, int has_clients_on_busy_path, uint
         c->busy_count = 0;
         c->idle_count = 0;
         c->flags &= static_cast<uint8_t>(~HC_FLAG_ASSOC_NEWLY);
+        e.outcome = OUTCOME_ON_BEST;
         return false;
     }
     if (p.overload == 1) {
         c->idle_count = 0;
         c->busy_count++;
+        e.outcome = OUTCOME_BUSY_WAIT;
+        e.count = c->busy_count;
         return c->busy_count >= threshold;
     }
     c->busy_count = 0;
@@ -44,9 +51,12 @@ bool may_move(hc_client* c, const hc_path& p, int has_clients_on_busy_path, uint
         const uint8_t* m = c->hc.mac;
         LYND_LOG_AS(kFn, "hc[%02x:%02x:%02x:%02x:%02x:%02x] is assoc newly, change path %s to %s", m[0], m[1], m[2],
                     m[3], m[4], m[5], p.name, hc_paths[c->best_path].name);
+        e.assoc_newly = true;
         return true;
     }
     c->idle_count++;
+    e.outcome = OUTCOME_IDLE_WAIT;
+    e.count = c->idle_count;
     return c->idle_count >= threshold;
 }
 
@@ -65,20 +75,36 @@ void consider(lynd_config* conf, hc_client* c, hc_path* p, int has_busy, int han
         return;
     }
     c->magic++;
-    if (!may_move(c, *p, has_busy, conf->param.busy_count_threshold) || handle == 0)
+    client_explain& e = explain_of(c);
+    if (!may_move(c, *p, has_busy, conf->param.busy_count_threshold, e))
         return;
+    if (handle == 0) {
+        e.outcome = OUTCOME_NO_HANDLE;
+        return;
+    }
     hc_path* bp = &hc_paths[c->best_path];
     int32_t adjust_quota = static_cast<int32_t>(conf->param.adjusted_ratio) * bp->quota / 100;
+    e.adjust_quota = adjust_quota;
     LYND_LOG_AS(kFn, "adjust_quota: %d", adjust_quota);
     uint32_t rate = path_selection_client_rate(c->hc.bytes, time_ms);
     uint32_t quota = bp->rate != 0 ? rate * 10000u / bp->rate : 0;
     const uint8_t* m = c->hc.mac;
     LYND_LOG_AS(kFn, "cur hc(%02x-%02x-%02x-%02x-%02x-%02x) quota: %d rate(Mbps) %u time(ms) %lld", m[0], m[1], m[2],
                 m[3], m[4], m[5], static_cast<int>(quota), rate, static_cast<long long>(time_ms));
+    e.quota = quota;
+    e.rate_mbps = rate;
+    e.outcome = OUTCOME_TOO_HEAVY;
     if (quota > static_cast<uint32_t>(adjust_quota))
         return;
+    e.outcome = OUTCOME_OUTWEIGHED;  // until it is the one moved
     if (better_candidate(*cand, c, *bp, *p))
         *cand = Candidate{c, bp, quota};
+}
+
+const char* move_reason(const hc_client& c, const hc_path& from) {
+    if (from.overload == 1)
+        return "path overloaded";
+    return (c.flags & HC_FLAG_ASSOC_NEWLY) != 0 ? "newly associated" : "better path";
 }
 
 void source_name(const hc_client* c, char* out) {
@@ -87,7 +113,7 @@ void source_name(const hc_client* c, char* out) {
         out[0] = '\0';
 }
 
-void move(lynd_config* conf, conf_bridge* bridge, const Candidate& cand) {
+void move(lynd_config* conf, conf_bridge* bridge, const Candidate& cand, const hc_path& from) {
     hc_client* c = cand.client;
     const uint8_t* m = c->hc.mac;
     LYND_INFO_AS(kFn, "set hc(%02x-%02x-%02x-%02x-%02x-%02x) to %s", m[0], m[1], m[2], m[3], m[4], m[5], cand.bp->name);
@@ -102,6 +128,8 @@ void move(lynd_config* conf, conf_bridge* bridge, const Candidate& cand) {
     }
     LYND_INFO_AS(kFn, "best_path_name:%s", dst);
     (void)lynd_set_hc_entry(bridge->name, c->hc.mac, c->hc.id, src, dst);
+    client_log_move(*c, from.type, cand.bp->type, move_reason(*c, from));
+    explain_of(c).outcome = OUTCOME_MOVED;
     cand.bp->quota = static_cast<int16_t>(cand.bp->quota - static_cast<int16_t>(cand.quota));
     hc_client_unlink_path(c);
     lynd_list_add_tail(&c->path_node, &cand.bp->clients);
@@ -138,7 +166,7 @@ void path_selection_update_uplink_hc_table_v2(lynd_config* conf, conf_bridge* br
             consider(conf, hc_client_of_path_node(n), p, has_clients_on_busy_path, handle, time_ms, &cand);
         LYND_DEBUG("handle_count:%d", handle);
         if (handle > 0 && cand.client != nullptr) {
-            move(conf, bridge, cand);
+            move(conf, bridge, cand, *p);
             handle--;
         }
     }
@@ -175,6 +203,7 @@ void path_selection_pre_update_uplink_path_for_hc_v2(conf_bridge* bridge, hc_pat
             (void)lynd_set_hc_entry(bridge->name, c->hc.mac, c->hc.id, src, dst);
             hc_client_unlink_path(c);
             lynd_list_add_tail(&c->path_node, &best->clients);
+            client_log_move(*c, static_cast<uint8_t>(t), best->type, "path unlinked");
             hc_list_dump(&best->clients, __func__, __LINE__);
             (void)lynd_flush_fc_flow_by_mac(c->hc.mac);
         }

@@ -4,6 +4,9 @@
 #include <cstring>
 
 #include "core/log.h"
+#include "modules/path_selection/client_log.h"
+#include "modules/path_selection/explain_records.h"
+#include "modules/path_selection/path_insight.h"
 #include "modules/path_selection/ps_funcs.h"
 
 const char* const path_state_names[7] = {"UNINITED",          "UNLINK",   "NORMAL", "WEAKLINK",
@@ -30,6 +33,9 @@ void path_selection_state_reset() {
         d = debug_path_info{};
     g_hc_rand_state = 1;
     ps_funcs_ops = nullptr;
+    path_insight_reset();
+    client_log_reset();
+    explain_reset();
 }
 
 hc_client* hc_client_of_path_node(lynd_list* l) {

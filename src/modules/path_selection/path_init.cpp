@@ -2,8 +2,10 @@
 
 #include "bridge/port_inventory.h"
 #include "config/lynd_config.h"
+#include "core/decision_ring.h"
 #include "core/log.h"
 #include "modules/path_selection/hc_records.h"
+#include "modules/path_selection/path_insight.h"
 #include "platform/seams.h"
 #include "wlan/wlan.h"
 
@@ -82,6 +84,7 @@ void init_path(const lynd_config* conf, const conf_interface& i) {
     p->path = i.path ? 1 : 0;
     p->priority = i.priority;
     p->state = PATH_UNLINK;
+    g_path_insight[i.type].entered_ms = lynd_monotonic_ms();
     take_band_params(p, conf->param);
     log_path(*p);
     lynd_list_init(&p->clients);
@@ -143,6 +146,7 @@ ap_iface* path_selection_find_ap_iface_by_hc(hc_client* c) {
 }
 
 void path_selection_apply_link_state(hc_path* p, bool up) {
+    uint8_t was = p->state;
     if (up && p->state == PATH_UNLINK) {
         p->last_state = PATH_UNLINK;
         p->state = PATH_NORMAL;
@@ -158,6 +162,7 @@ void path_selection_apply_link_state(hc_path* p, bool up) {
         p->last_state = p->state;
         p->state = PATH_UNLINK;
     }
+    path_insight_state_changed(*p, was, up ? "link up" : "link down");
 }
 
 bool path_selection_bridge(const conf_bridge& br, bool hc) {

@@ -3,8 +3,11 @@
 #include <cstring>
 
 #include "bridge/hybrid_tables.h"
+#include "core/decision_ring.h"
 #include "core/log.h"
 #include "modules/loop_avoidance/bcast_port.h"
+#include "modules/path_selection/client_log.h"
+#include "modules/path_selection/path_insight.h"
 #include "modules/path_selection/ts_destination.h"
 #include "platform/seams.h"
 #include "wlan/wlan.h"
@@ -39,12 +42,26 @@ verdict judge(const hc_path& p) {
     bool slow = static_cast<int64_t>(n.rate) < p.weaklink_threshold_rate;
     v.weak = (m.rssi < p.weaklink_threshold_rssi || m.snr < p.weaklink_threshold_snr) && slow;
     v.hold = (m.rssi < p.weaklink_hold_threshold_rssi || m.snr < p.weaklink_hold_threshold_snr) && slow;
+    path_rating& r = g_path_insight[p.type].rating;
+    r.ma_rssi = m.rssi;
+    r.ma_snr = m.snr;
+    r.smooth_rate = m.rate;
+    r.txrate = n.txrate;
+    r.rxrate = n.rxrate;
+    r.rate = n.rate;
+    r.tx_bytes = static_cast<int64_t>(p.cur_txbytes - p.last_txbytes);
+    r.weak = v.weak;
+    r.hold = v.hold;
+    r.tx_low = v.tx_low;
+    r.rx_low = v.rx_low;
+    r.no_tx = v.no_tx;
     return v;
 }
 
-void go(hc_path* p, uint8_t state) {
+void go(hc_path* p, uint8_t state, uint8_t rule) {
     p->last_state = p->state;
     p->state = state;
+    path_insight_state_changed(*p, p->last_state, rating_rule_texts[rule]);
 }
 
 void rate_weak(hc_path* p, const verdict& v) {
@@ -52,7 +69,7 @@ void rate_weak(hc_path* p, const verdict& v) {
     LYND_LOG_AS(kFn, "path[%s] be assessed to WEAKLINK, last status is %d", p->name, s);
     if (s == PATH_WEAKLINK) {
         if (v.no_tx) {
-            go(p, PATH_WEAKLINK_ABNORMAL);
+            go(p, PATH_WEAKLINK_ABNORMAL, RULE_WEAK);
             LYND_DEBUG_AS(kFn, "path[%s] into to WEAKLINK+ABNORMAL", p->name);
         } else {
             LYND_DEBUG_AS(kFn, "path[%s] still to WEAKLINK", p->name);
@@ -61,12 +78,12 @@ void rate_weak(hc_path* p, const verdict& v) {
         if (v.no_tx) {
             LYND_DEBUG_AS(kFn, "path[%s] still to WEAKLINK+ABNORMAL", p->name);
         } else {
-            go(p, PATH_WEAKLINK);
+            go(p, PATH_WEAKLINK, RULE_WEAK);
             LYND_DEBUG_AS(kFn, "path[%s] into to WEAKLINK", p->name);
         }
     } else if (++p->weak_count > 1) {
         p->weak_count = 0;
-        go(p, PATH_WEAKLINK);
+        go(p, PATH_WEAKLINK, RULE_WEAK);
         LYND_DEBUG_AS(kFn, "path[%s] from %s into to WEAKLINK", p->name, path_state_names[p->last_state]);
     }
 }
@@ -77,7 +94,7 @@ bool rate_hold(hc_path* p, const verdict& v) {
     if (p->state != PATH_WEAKLINK)
         return false;
     if (v.no_tx) {
-        go(p, PATH_WEAKLINK_ABNORMAL);
+        go(p, PATH_WEAKLINK_ABNORMAL, RULE_HOLD);
         LYND_DEBUG_AS(kFn, "path[%s] into to WEAKLINK+ABNORMAL", p->name);
     } else {
         LYND_DEBUG_AS(kFn, "path[%s] still to WEAKLINK", p->name);
@@ -88,7 +105,7 @@ bool rate_hold(hc_path* p, const verdict& v) {
 void rate_traffic(hc_path* p, const verdict& v) {
     if (!v.no_tx && !(v.tx_low && v.rx_low)) {
         LYND_LOG_AS(kFn, "path[%s] be assessed to NORMAL, last status is %d", p->name, p->state);
-        go(p, PATH_NORMAL);
+        go(p, PATH_NORMAL, RULE_NORMAL);
         p->weak_count = 0;
         p->abnormal_count = 0;
         return;
@@ -98,26 +115,39 @@ void rate_traffic(hc_path* p, const verdict& v) {
         LYND_DEBUG_AS(kFn, "path[%s] still to ABNORMAL", p->name);
     } else if (++p->abnormal_count > 1) {
         p->abnormal_count = 0;
-        go(p, PATH_ABNORMAL);
+        go(p, PATH_ABNORMAL, RULE_ABNORMAL);
         LYND_DEBUG_AS(kFn, "path[%s] from %s into to ABNORMAL", p->name, path_state_names[p->last_state]);
     }
 }
 
-void evaluate(hc_path* p) {
+uint8_t rate_state(hc_path* p) {
     const sample_ring& r = p->path_history;
     bool fresh = p->last_state == PATH_UNINITED || p->last_state == PATH_UNLINK;
     if (r.num == 0 || (fresh && r.num < p->linkquality_smoothing_factor)) {
         LYND_LOG_AS(kFn, "Path is unlink last time, not enough data(path_history num=%d)", r.num);
-        return;
+        return RULE_FEW_SAMPLES;
     }
     verdict v = judge(*p);
     if (v.weak) {
         rate_weak(p, v);
-        return;
+        return RULE_WEAK;
     }
     if (v.hold && rate_hold(p, v))
-        return;
+        return RULE_HOLD;
     rate_traffic(p, v);
+    return v.no_tx || (v.tx_low && v.rx_low) ? RULE_ABNORMAL : RULE_NORMAL;
+}
+
+// The rating's outcome is kept for an operator's question.
+void evaluate(hc_path* p) {
+    path_rating& r = g_path_insight[p->type].rating;
+    r.state_before = p->state;
+    r.rule = rate_state(p);
+    r.at_ms = lynd_monotonic_ms();
+    r.state_after = p->state;
+    r.samples = p->path_history.num;
+    r.weak_count = p->weak_count;
+    r.abnormal_count = p->abnormal_count;
 }
 
 // The lowest live state, 6 when none; the best path holds it, the highest
@@ -149,6 +179,7 @@ void evacuate(conf_bridge* bridge, hc_path* p, hc_path* best, char* dst) {
         lynd_list_add_tail(&c->path_node, &best->clients);
         c->busy_count = 0;
         c->idle_count = 0;
+        client_log_move(*c, p->type, best->type, p->state == PATH_WEAKLINK ? "path weak" : "path abnormal");
         hc_list_dump(&best->clients, kEvacuateFn, __LINE__);
         (void)lynd_flush_fc_flow_by_mac(c->hc.mac);
     }

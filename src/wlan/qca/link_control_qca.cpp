@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "core/log.h"
+#include "core/shadow.h"
 #include "platform/seams.h"
 #include "wlan/link_activation.h"
 #include "wlan/qca/link_stats_qca.h"
@@ -83,6 +84,8 @@ int wlan_restart_link(uint32_t type) {
     char cmd[128];
     std::snprintf(cmd, sizeof cmd, "wpa_cli -p %s -i %s reconnect", ctrl_dir, name);
     LYND_DEBUG("call: %s", cmd);
+    if (lynd_shadow_holds("reconnect"))
+        return 0;
     const char* const argv[] = {"wpa_cli", "-p", ctrl_dir, "-i", name, "reconnect", nullptr};
     return lynd::host().run_status(argv);
 }

@@ -1,0 +1,44 @@
+// The daemon's last decisions, for an operator asking why: which client or
+// path changed, from what to what, and the rule that made it.
+#pragma once
+#include <cstdint>
+
+#include "core/types.h"
+
+constexpr int DECISION_RING_SIZE = 256;
+constexpr int DECISION_SUBJECT_LEN = 18;  // a MAC as text and its terminator
+
+enum decision_kind : uint8_t {
+    DECISION_CLIENT_MOVE = 0,
+    DECISION_PATH_STATE = 1,
+    DECISION_BCAST_PORT = 2,
+    DECISION_PREFERRED_PORT = 3,
+};
+extern const char* const decision_kind_names[4];
+
+struct decision {
+    int64_t at_ms;  // monotonic
+    uint32_t seq;   // 1 for the first decision of the process
+    uint8_t kind;
+    char subject[DECISION_SUBJECT_LEN];
+    char from[LYND_NAME_LEN + 2];  // a path or port, or a state name
+    char to[LYND_NAME_LEN + 2];
+    const char* reason;  // static text
+};
+
+struct decision_ring {
+    decision entries[DECISION_RING_SIZE];
+    uint32_t next_seq;
+};
+extern decision_ring g_decisions;
+void decision_ring_reset();
+
+// Texts longer than their field are cut, always terminated.
+void decision_record(uint8_t kind, const char* subject, const char* from, const char* to, const char* reason);
+// Decisions held, at most DECISION_RING_SIZE.
+int decision_count();
+// The k-th oldest decision held (0 the oldest), or null.
+const decision* decision_at(int k);
+
+// Monotonic milliseconds, from the host seam.
+int64_t lynd_monotonic_ms();

@@ -1,0 +1,55 @@
+#include "modules/path_selection/client_log.h"
+
+#include <cstring>
+
+#include "core/decision_ring.h"
+
+client_log g_client_log;
+
+namespace {
+
+client_log_entry* find(const uint8_t* mac) {
+    for (client_log_entry& e : g_client_log.entries)
+        if (e.used && std::memcmp(e.mac, mac, LYND_MAC_LEN) == 0)
+            return &e;
+    return nullptr;
+}
+
+client_log_entry* take(const uint8_t* mac) {
+    client_log_entry* oldest = &g_client_log.entries[0];
+    for (client_log_entry& e : g_client_log.entries) {
+        if (!e.used) {
+            oldest = &e;
+            break;
+        }
+        if (e.touched < oldest->touched)
+            oldest = &e;
+    }
+    *oldest = client_log_entry{};
+    std::memcpy(oldest->mac, mac, LYND_MAC_LEN);
+    oldest->used = true;
+    return oldest;
+}
+
+const char* slot_name(uint8_t slot) { return slot < IF_TYPE_MAX ? hc_paths[slot].name : ""; }
+
+}  // namespace
+
+void client_log_reset() { g_client_log = client_log{}; }
+
+void client_log_move(const hc_client& c, uint8_t from, uint8_t to, const char* reason) {
+    client_log_entry* e = find(c.hc.mac);
+    if (e == nullptr)
+        e = take(c.hc.mac);
+    e->moves++;
+    e->last_move_ms = lynd_monotonic_ms();
+    e->from = from;
+    e->to = to;
+    e->reason = reason;
+    e->touched = ++g_client_log.clock;
+    char mac[LYND_MAC_TEXT_LEN];
+    lynd_mac_text(c.hc.mac, mac);
+    decision_record(DECISION_CLIENT_MOVE, mac, slot_name(from), slot_name(to), reason);
+}
+
+const client_log_entry* client_log_find(const uint8_t* mac) { return find(mac); }

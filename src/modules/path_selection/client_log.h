@@ -1,0 +1,32 @@
+// Each client's moves, kept by MAC apart from the client records: the pool
+// forgets a client when it is swept, re-added or re-initialised, and an
+// operator still wants to know where it went and why.
+#pragma once
+#include <cstdint>
+
+#include "core/mac.h"
+#include "modules/path_selection/hc_records.h"
+
+struct client_log_entry {
+    uint8_t mac[LYND_MAC_LEN];
+    bool used;
+    uint32_t moves;
+    int64_t last_move_ms;
+    uint8_t from;  // path slots, PATH_NONE for none
+    uint8_t to;
+    const char* reason;  // static text
+    uint32_t touched;    // the oldest touched goes first when the table is full
+};
+
+struct client_log {
+    client_log_entry entries[HC_MAX_CLIENTS];
+    uint32_t clock;
+};
+extern client_log g_client_log;
+void client_log_reset();
+
+// Counts a move of c from slot `from` to slot `to` and records it as a
+// decision with reason.
+void client_log_move(const hc_client& c, uint8_t from, uint8_t to, const char* reason);
+// The client's entry, or null when it never moved (or was dropped).
+const client_log_entry* client_log_find(const uint8_t* mac);

@@ -1,0 +1,65 @@
+#include "modules/path_selection/explain_records.h"
+
+#include <cstring>
+
+client_explain g_explain[HC_MAX_CLIENTS];
+int64_t g_explain_run_ms;
+
+const char* const move_outcome_texts[10] = {
+    "not rated",
+    "not rated in the last run",
+    "not busy: clients wait on an overloaded path, or there is no best path",
+    "on its best path",
+    "its path is overloaded: waiting for the busy count",
+    "a better path: waiting for the idle count",
+    "handle count used up in this run",
+    "its rate needs more than the adjusted quota of the best path",
+    "another client of its path was moved instead",
+    "moved to its best path",
+};
+
+void explain_reset() {
+    for (auto& e : g_explain)
+        e = client_explain{};
+    g_explain_run_ms = 0;
+}
+
+client_explain& explain_of(const hc_client* c) { return g_explain[c - hc_entrys]; }
+
+void explain_begin(const hc_client* c, uint8_t here, uint64_t sq, uint32_t sta_rate) {
+    client_explain& e = explain_of(c);
+    std::memcpy(e.mac, c->hc.mac, LYND_MAC_LEN);
+    e.valid = true;
+    e.at_ms = g_explain_run_ms;
+    e.here = here;
+    e.sta_type = c->sta_type;
+    e.sq = sq;
+    e.sta_rate = sta_rate;
+    e.n = 0;
+    e.ranked = PATH_NONE;
+    e.damping_checked = false;
+    e.damped = false;
+    e.best = PATH_NONE;
+    e.outcome = OUTCOME_NOT_RATED;
+    e.count = 0;
+    e.count_needed = 0;
+    e.assoc_newly = false;
+}
+
+void explain_candidate_add(client_explain& e, const explain_candidate& cand) {
+    if (e.n < IF_TYPE_MAX)
+        e.cand[e.n++] = cand;
+}
+
+// A client freed and taken again keeps its slot only while in the pool.
+const client_explain* explain_find(const uint8_t* mac) {
+    const client_explain* newest = nullptr;
+    for (int i = 0; i < HC_MAX_CLIENTS; i++) {
+        const client_explain& e = g_explain[i];
+        bool in_pool = hc_entrys[i].path_node.next != nullptr;
+        if (e.valid && in_pool && std::memcmp(e.mac, mac, LYND_MAC_LEN) == 0 &&
+            (newest == nullptr || e.at_ms > newest->at_ms))
+            newest = &e;
+    }
+    return newest;
+}
