@@ -37,6 +37,18 @@ void decision_record(uint8_t kind, const char* subject, const char* from, const 
     d.reason = reason != nullptr ? reason : "";
 }
 
+void decision_record_port(uint8_t kind, const char* subject, uint32_t before, uint32_t after, const char* reason) {
+    if (before == after)
+        return;
+    char from[LYND_NAME_LEN] = {};
+    char to[LYND_NAME_LEN] = {};
+    if (before != 0 && !lynd::host().if_indextoname(before, from))
+        from[0] = '\0';
+    if (after != 0 && !lynd::host().if_indextoname(after, to))
+        to[0] = '\0';
+    decision_record(kind, subject, from, to, reason);
+}
+
 int decision_count() {
     return g_decisions.next_seq < DECISION_RING_SIZE ? static_cast<int>(g_decisions.next_seq) : DECISION_RING_SIZE;
 }

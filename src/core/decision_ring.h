@@ -35,6 +35,9 @@ void decision_ring_reset();
 
 // Texts longer than their field are cut, always terminated.
 void decision_record(uint8_t kind, const char* subject, const char* from, const char* to, const char* reason);
+// Records a port change of subject given by interface index (0 for none);
+// nothing when the index stayed.
+void decision_record_port(uint8_t kind, const char* subject, uint32_t before, uint32_t after, const char* reason);
 // Decisions held, at most DECISION_RING_SIZE.
 int decision_count();
 // The k-th oldest decision held (0 the oldest), or null.

@@ -6,6 +6,7 @@
 
 #include "core/list.h"
 #include "core/types.h"
+#include "platform/bus.h"
 #include "platform/loop.h"
 
 enum event_type : uint32_t {
@@ -83,4 +84,5 @@ struct event_hub {
     bool bus_connected;
     lynd::LoopTimer bus_retry;  // reconnects after the bus daemon went away
     uint32_t bus_retry_ms;
+    const lynd::BusObject* bus_object;  // added again on each new connection
 };

@@ -1,10 +1,14 @@
 #include "daemon/lynd_main.h"
 
 #include "config/config.h"
+#include "bridge/steering_gate.h"
 #include "config/lynd_config.h"
+#include "core/decision_ring.h"
 #include "core/log.h"
+#include "core/shadow.h"
 #include "daemon/options.h"
 #include "daemon/process_state.h"
+#include "daemon/status_object.h"
 #include "event/event_dispatch.h"
 #include "event/event_hub.h"
 #include "platform/seams.h"
@@ -64,6 +68,8 @@ int lynd_main_with(int argc, char** argv, const lynd_module_table& modules) {
     }
     g_dgb_lvl = g_lynd_dgb_lvl;
     LYND_LOG("set libkrel g_dgb_lvl=%d!", g_dgb_lvl);
+    int64_t started_ms = lynd_monotonic_ms();
+    lynd::steering_gate_install();
 
     lynd_config* conf = &g_conf;
     *conf = lynd_config{};
@@ -72,14 +78,17 @@ int lynd_main_with(int argc, char** argv, const lynd_module_table& modules) {
     config_load(conf, opt.config_path);
     if (!conf->enable) {
         LYND_ERR("lynd disabled");
+        lynd::steering_gate_remove();
         return 0;
     }
+    lynd_set_shadow_mode(conf->shadow);
     traffic_separation_config_load(conf);
     config_dump(conf);
     config_bridge(conf);
     event_init(&conf->ev);
     l_ev = &conf->ev;
     start_modules(conf, modules);
+    lynd_status_object_start(conf, started_ms);
 
     event_loop(&conf->ev);
 
@@ -88,5 +97,6 @@ int lynd_main_with(int argc, char** argv, const lynd_module_table& modules) {
     event_free(&conf->ev);
     l_ev = nullptr;
     config_free(conf);
+    lynd::steering_gate_remove();
     return 0;
 }

@@ -77,9 +77,22 @@ void event_ubus_retry(lynd::LoopTimer* t) {
     bus.add_to_loop();
     ev->bus_connected = true;
     LYND_INFO("ubus connection is back");
+    if (ev->bus_object != nullptr)
+        (void)event_ubus_add_object(ev, ev->bus_object);
     // What was sent meanwhile is gone: settle what can be read again.
     LYND_WARN("link-state events sent while ubus was away may have been missed");
     event_ubus_receive_traffic_separation(ev, BusMessage{nullptr, 0, false});
+}
+
+int event_ubus_add_object(event_hub* ev, const lynd::BusObject* object) {
+    ev->bus_object = object;
+    lynd::Bus& bus = lynd::bus();
+    int rc = bus.add_object(*object);
+    if (rc != 0)
+        LYND_ERR("ubus_add_object %s: %s", object->name, bus.strerror(rc));
+    else
+        LYND_DEBUG("ubus object %s added", object->name);
+    return rc;
 }
 
 void event_ubus_receive_cb(void* ctx, const char* type, const BusMessage& msg) {

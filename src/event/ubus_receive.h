@@ -11,6 +11,9 @@ void event_ubus_free(event_hub* ev);
 constexpr uint32_t UBUS_RETRY_FIRST_MS = 1000;
 constexpr uint32_t UBUS_RETRY_MAX_MS = 8000;
 void event_ubus_lost(void* ctx);
+// Publishes the daemon's object on the bus, now and after each reconnect;
+// 0 or the bus's error code.
+int event_ubus_add_object(event_hub* ev, const lynd::BusObject* object);
 void event_ubus_retry(lynd::LoopTimer* t);
 void event_ubus_receive_cb(void* ctx, const char* type, const lynd::BusMessage& msg);
 void event_ubus_receive_configure(event_hub* ev, const lynd::BusMessage& msg);

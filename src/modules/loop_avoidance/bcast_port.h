@@ -8,9 +8,18 @@
 
 constexpr const char* BCAST_PORT_FILE = "/tmp/hybr_broadcast_port";
 
-// The name last written to the broadcast file, per configured bridge.
+// One VLAN's broadcast ports as last picked, per class ("" for none).
+struct bcast_pick_kept {
+    uint32_t vid;
+    char port[2][LYND_NAME_LEN];
+};
+
+// The name last written to the broadcast file, and the last picks, per
+// configured bridge.
 struct loop_avoidance_state {
     char last_bcast_port[LYND_MAX_BRIDGES][LYND_NAME_LEN];
+    bcast_pick_kept picks[LYND_MAX_BRIDGES][TS_MAX_VLANS];
+    uint8_t n_picks[LYND_MAX_BRIDGES];
 };
 extern loop_avoidance_state g_loop_avoidance;
 void loop_avoidance_state_reset();

@@ -3,6 +3,7 @@
 #include "bridge/hybrid_tables.h"
 #include "bridge/port_inventory.h"
 #include "config/ts_vlan.h"
+#include "core/decision_ring.h"
 #include "core/log.h"
 #include "core/queries.h"
 #include "modules/path_selection/client_moves.h"
@@ -55,7 +56,10 @@ void path_selection_emergency_set_preferred(conf_bridge* bridge) {
         return;
     if (cand != nullptr) {
         LYND_INFO("Emergently set preferred to %s", cand->name);
+        uint32_t before = bridge->preferred_ifindex;
         (void)lynd_set_hc_preferred(bridge, cand->name);
+        decision_record_port(DECISION_PREFERRED_PORT, bridge->name, before, bridge->preferred_ifindex,
+                             "link state changed");
     }
     path_selection_pre_update_uplink_path_for_hc_v2(bridge, hc_paths, cand != nullptr ? cand->type : PATH_NONE);
     lynd_set_link_state_changed(0);

@@ -2,6 +2,7 @@
 
 #include "bridge/hybrid_tables.h"
 #include "bridge/port_inventory.h"
+#include "core/decision_ring.h"
 #include "core/log.h"
 #include "core/queries.h"
 #include "modules/module.h"
@@ -75,7 +76,9 @@ void path_selection_startup_uplink(conf_bridge* bridge) {
     if (cand == nullptr)
         return;
     LYND_INFO("startup set preferred to %s", cand->name);
+    uint32_t before = bridge->preferred_ifindex;
     (void)lynd_set_hc_preferred(bridge, cand->name);
+    decision_record_port(DECISION_PREFERRED_PORT, bridge->name, before, bridge->preferred_ifindex, "start-up");
 }
 
 void path_selection_startup_aplink(conf_bridge*) {

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "bridge/hybrid_tables.h"
+#include "core/decision_ring.h"
 #include "core/log.h"
 #include "modules/loop_avoidance/bcast_port.h"
 #include "modules/path_selection/best_path.h"
@@ -25,12 +26,16 @@ bool steer(lynd_config* conf, conf_bridge* bridge, hc_path* paths, int has_path_
     LYND_DEBUG_AS(kFn, "best path:%s", best->name);
     char name[LYND_NAME_LEN];
     std::memcpy(name, best->name, sizeof name);
+    uint32_t before = bridge->preferred_ifindex;
     if (lynd_get_link_state_changed()) {
         (void)lynd_set_hc_preferred_and_flush_hc_table(bridge, name);
+        decision_record_port(DECISION_PREFERRED_PORT, bridge->name, before, bridge->preferred_ifindex,
+                             "best path after a link change");
         lynd_set_link_state_changed(0);
         return false;
     }
     (void)lynd_set_hc_preferred(bridge, name);
+    decision_record_port(DECISION_PREFERRED_PORT, bridge->name, before, bridge->preferred_ifindex, "best path");
     LYND_DEBUG_AS(kFn, "has_path_overload:%d, has_clients_on_busy_path:%d", has_path_overload, has_busy);
     path_selection_update_uplink_hc_table_v2(conf, bridge, best, paths, has_busy);
     path_selection_check_dst_vlan_hc_table(conf, bridge, paths);

@@ -1,0 +1,96 @@
+#include <cstring>
+
+#include "daemon/status_replies.h"
+#include "modules/path_selection/explain_records.h"
+#include "modules/path_selection/path_insight.h"
+
+using lynd::BusReply;
+
+namespace {
+
+const char* slot_name(uint8_t slot) { return slot < IF_TYPE_MAX ? hc_paths[slot].name : ""; }
+
+// Why a candidate was or was not the one ranked first.
+const char* rank_text(const client_explain& e, const explain_candidate& c) {
+    if (c.slot == e.ranked)
+        return "highest quality";
+    if (c.q == 0)
+        return g_path_insight[c.slot].quota_block != QUOTA_OPEN ? quota_block_texts[g_path_insight[c.slot].quota_block]
+                                                                  : "no free airtime";
+    return "lower quality";
+}
+
+void put_candidate(BusReply& r, const client_explain& e, const explain_candidate& c) {
+    r.open_table(nullptr);
+    r.put_string("path", slot_name(c.slot));
+    r.put_int("weight", c.weight);
+    r.put_int("quota", c.quota);
+    r.put_int("rate", c.rate);
+    r.put_int("bq", static_cast<int64_t>(c.bq));
+    r.put_int("quality", static_cast<int64_t>(c.q));
+    r.put_bool("harmonic_mean", c.own_band && e.sq != 0 && c.bq != 0);
+    r.put_bool("limited_by_station", c.limited);
+    r.put_bool("overloaded", c.overloaded);
+    r.put_bool("ranked_first", c.slot == e.ranked);
+    r.put_string("why", rank_text(e, c));
+    r.close();
+}
+
+void put_damping(BusReply& r, const client_explain& e) {
+    r.open_table("damping");
+    r.put_bool("checked", e.damping_checked);
+    r.put_int("delta_percent", e.delta_percent);
+    r.put_int("threshold", e.threshold);
+    r.put_bool("held", e.damped);
+    r.close();
+}
+
+void put_outcome(BusReply& r, const client_explain& e, bool stale, int handle_count) {
+    uint8_t outcome = stale ? static_cast<uint8_t>(OUTCOME_STALE) : e.outcome;
+    r.put_string("outcome", move_outcome_texts[outcome < 10 ? outcome : 0]);
+    r.put_bool("moved", !stale && e.outcome == OUTCOME_MOVED);
+    r.put_int("count", e.count);
+    r.put_int("count_needed", e.count_needed);
+    r.put_bool("assoc_newly", e.assoc_newly);
+    r.put_int("handle_count", handle_count);
+    r.put_int("adjust_quota", e.adjust_quota);
+    r.put_int("needed_quota", e.quota);
+    r.put_int("client_rate", e.rate_mbps);
+}
+
+// A client in the pool that no run has rated yet.
+bool in_pool(const uint8_t* mac) {
+    for (const hc_client& c : hc_entrys)
+        if (c.path_node.next != nullptr && std::memcmp(c.hc.mac, mac, LYND_MAC_LEN) == 0)
+            return true;
+    return false;
+}
+
+}  // namespace
+
+int status_reply_explain_client(const status_context& ctx, const uint8_t* mac, BusReply& r) {
+    const client_explain* e = explain_find(mac);
+    if (e == nullptr && !in_pool(mac))
+        return lynd::BUS_STATUS_NOT_FOUND;
+    char text[LYND_MAC_TEXT_LEN];
+    lynd_mac_text(mac, text);
+    r.put_string("mac", text);
+    if (e == nullptr) {
+        r.put_string("outcome", move_outcome_texts[OUTCOME_NOT_RATED]);
+        return lynd::BUS_STATUS_OK;
+    }
+    bool stale = e->at_ms != g_explain_run_ms;
+    r.put_int("rated_at", status_uptime_s(ctx, e->at_ms));
+    r.put_string("path", slot_name(e->here));
+    r.put_int("station_rate", e->sta_rate);
+    r.put_int("station_quality", static_cast<int64_t>(e->sq));
+    r.open_array("candidates");
+    for (int k = 0; k < e->n; k++)
+        put_candidate(r, *e, e->cand[k]);
+    r.close();
+    r.put_string("ranked_best", slot_name(e->ranked));
+    put_damping(r, *e);
+    r.put_string("best_path", slot_name(e->best));
+    put_outcome(r, *e, stale, ctx.conf->param.handle_count);
+    return lynd::BUS_STATUS_OK;
+}
