@@ -1,5 +1,5 @@
 // lynd-sim: the daemon on a simulated node.
-//   lynd-sim run [--out DIR] SCENARIO [daemon options]
+//   lynd-sim run [--out DIR] [--timeline FILE.svg] SCENARIO [daemon options]
 //   lynd-sim check SCENARIO...
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,10 +14,12 @@
 #include <string>
 #include <vector>
 
+#include "sim/bus_calls_file.h"
 #include "sim/report.h"
 #include "sim/scenario.h"
 #include "sim/sim_node.h"
 #include "sim/state_dir.h"
+#include "sim/timeline_trace.h"
 
 namespace {
 
@@ -29,6 +31,7 @@ struct ActiveRun {
     const lynd::Scenario* sc = nullptr;
     Mode mode = Mode::RUN;
     const char* out_dir = nullptr;
+    const char* timeline = nullptr;
 } g_active;
 
 constexpr int kExitCheckFailed = 3;
@@ -38,14 +41,27 @@ constexpr unsigned kCheckTimeLimitS = 120;
 
 void save_state(const char* dir) {
     std::string error;
-    if (dir != nullptr && !lynd::write_state_dir(g_active.node->host(), dir, &error))
+    if (dir == nullptr)
+        return;
+    bool ok = lynd::write_state_dir(g_active.node->host(), dir, &error);
+    const auto& calls = g_active.node->bus_calls();
+    if (ok && !calls.empty())
+        ok = lynd::write_whole_file(std::string(dir) + "/ubus_calls.json", lynd::bus_calls_json(calls), &error);
+    if (!ok)
         std::fprintf(stderr, "lynd-sim: --out: %s\n", error.c_str());
+}
+
+void save_timeline(const char* path) {
+    std::string error;
+    if (path != nullptr && !lynd::write_whole_file(path, lynd::timeline_svg(g_active.node->timeline()), &error))
+        std::fprintf(stderr, "lynd-sim: --timeline: %s\n", error.c_str());
 }
 
 int conclude(const lynd::RunOutcome& o) {
     if (g_active.mode == Mode::RUN) {
         std::fflush(stderr);
         save_state(g_active.out_dir);
+        save_timeline(g_active.timeline);
         lynd::print_report(stdout, *g_active.sc, o, *g_active.node);
         return o.exit_status;
     }
@@ -76,10 +92,17 @@ bool load(const char* path, lynd::Scenario* sc, std::string* error) {
     return true;
 }
 
-int run_one(const lynd::Scenario& sc, Mode mode, const char* out_dir, const std::vector<std::string>& extra) {
+struct RunFiles {
+    const char* out_dir = nullptr;
+    const char* timeline = nullptr;
+};
+
+int run_one(const lynd::Scenario& sc, Mode mode, const RunFiles& files, const std::vector<std::string>& extra) {
     lynd::SimNode node(sc);
     node.host().set_echo(mode == Mode::RUN);
-    g_active = ActiveRun{&node, &sc, mode, out_dir};
+    if (files.timeline != nullptr)
+        node.record_timeline();
+    g_active = ActiveRun{&node, &sc, mode, files.out_dir, files.timeline};
     lynd::RunOutcome o = node.run("lynd", extra);
     int status = conclude(o);
     g_active = ActiveRun{};
@@ -87,9 +110,9 @@ int run_one(const lynd::Scenario& sc, Mode mode, const char* out_dir, const std:
 }
 
 int run(int argc, char** argv) {
-    const char* out_dir = nullptr;
-    if (argc >= 2 && std::strcmp(argv[0], "--out") == 0) {
-        out_dir = argv[1];
+    RunFiles files;
+    while (argc >= 2 && (std::strcmp(argv[0], "--out") == 0 || std::strcmp(argv[0], "--timeline") == 0)) {
+        (std::strcmp(argv[0], "--out") == 0 ? files.out_dir : files.timeline) = argv[1];
         argc -= 2;
         argv += 2;
     }
@@ -101,7 +124,7 @@ int run(int argc, char** argv) {
         std::fprintf(stderr, "lynd-sim: %s: %s\n", argv[0], error.c_str());
         return 2;
     }
-    return run_one(sc, Mode::RUN, out_dir, std::vector<std::string>(argv + 1, argv + argc));
+    return run_one(sc, Mode::RUN, files, std::vector<std::string>(argv + 1, argv + argc));
 }
 
 // The child's own line covers a pass and an expectation that failed; any
@@ -128,7 +151,7 @@ bool check_one(const char* path) {
     pid_t pid = fork();
     if (pid == 0) {
         alarm(kCheckTimeLimitS);
-        int status = run_one(sc, Mode::CHECK, nullptr, {});
+        int status = run_one(sc, Mode::CHECK, RunFiles{}, {});
         std::fflush(stdout);
         _exit(status);
     }
@@ -151,7 +174,7 @@ int check(int argc, char** argv) {
 
 int usage() {
     std::fprintf(stderr,
-                 "usage: lynd-sim run [--out DIR] SCENARIO [daemon options]\n"
+                 "usage: lynd-sim run [--out DIR] [--timeline FILE.svg] SCENARIO [daemon options]\n"
                  "       lynd-sim check SCENARIO...\n");
     return 2;
 }

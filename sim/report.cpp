@@ -9,6 +9,10 @@ void print_report(std::FILE* out, const Scenario& sc, const RunOutcome& o, SimNo
                  "lynd-sim: %zu log lines, %zu bridge calls, %zu tool runs, %zu frames sent, %zu driver actions\n",
                  node.host().console_lines().size(), node.bridge().calls().size(), node.host().runs().size(),
                  node.host().frames().size(), node.wlan().actions().size());
+    for (const auto& c : node.bus_calls())
+        std::fprintf(out, "lynd-sim: ubus call %s %s %s at %lld s: %s %s\n", c.object.c_str(), c.method.c_str(),
+                     c.args.c_str(), static_cast<long long>(c.at_ms / 1000), node.bus().strerror(c.status),
+                     c.reply.c_str());
     for (const auto& r : o.results)
         std::fprintf(out, "lynd-sim: %s %s (%s)\n", r.passed ? "ok  " : "FAIL", describe(*r.expect).c_str(),
                      r.why.c_str());

@@ -27,13 +27,15 @@ struct ScenarioBridge {
     std::vector<std::string> ports;
 };
 
-enum class TimelineKind { UBUS, NETLINK, STATION_EXPIRED, LINK, UCI, BUS, CLIENT };  // CLIENT: kept by the client model
+// CLIENT: kept by the client model; UBUS_CALL: a method call on an object.
+enum class TimelineKind { UBUS, NETLINK, STATION_EXPIRED, LINK, UCI, BUS, CLIENT, UBUS_CALL };
 
 struct TimelineEntry {
     int64_t at_ms = 0;
     TimelineKind kind = TimelineKind::UBUS;
     std::string name;   // ubus event name, or the interface that lost a station or changes its link
     std::string data;   // ubus payload, link fields or UCI values (JSON text), or the raw netlink datagram
+    std::string method;  // of a ubus call
 };
 
 enum class ExpectKind {
@@ -51,6 +53,8 @@ enum class ExpectKind {
     PREFERRED,     // equals: port name, "" for none
     SAMPLES,       // settings: path name -> samples held
     POOL,          // value: client records in use
+    UBUS_REPLY,    // text: method; port: JSON path in the reply; equals: JSON value; value: status or -1
+    STEERING,      // value: steering actions the node saw
 };
 
 struct Expectation {

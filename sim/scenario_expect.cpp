@@ -31,6 +31,22 @@ void parse_bridge(JsonReader& r, json_object* o, Expectation* e) {
         (void)settings_of(r, s, "settings", e);
 }
 
+// The reply of the newest call of a method: its status, and the value at a
+// path of member names and array indices ("paths.0.state").
+void parse_reply_expectation(JsonReader& r, json_object* o, Expectation* e) {
+    e->kind = ExpectKind::UBUS_REPLY;
+    int64_t status = -1;
+    e->value = json_get_int(r, o, "status", 0, 255, &status) ? static_cast<int>(status) : -1;
+    bool has_path = json_get_string(r, o, "path", &e->port, 256);
+    json_object* value = json_member(o, "equals");
+    if (has_path != (value != nullptr))
+        r.fail("a \"ubus_reply\" expectation gives \"path\" and \"equals\" together");
+    else if (value != nullptr)
+        e->equals = json_object_to_json_string_ext(value, JSON_C_TO_STRING_PLAIN);
+    if (!has_path && e->value < 0 && r.ok)
+        r.fail("a \"ubus_reply\" expectation needs \"status\" or \"path\" and \"equals\"");
+}
+
 }  // namespace
 
 bool parse_state_expectation(JsonReader& r, json_object* o, Expectation* e) {
@@ -50,6 +66,11 @@ bool parse_state_expectation(JsonReader& r, json_object* o, Expectation* e) {
         e->kind = ExpectKind::PREFERRED;
     } else if (json_get_int(r, o, "pool", 0, 100000, &n)) {
         e->kind = ExpectKind::POOL;
+        e->value = static_cast<int>(n);
+    } else if (json_get_string(r, o, "ubus_reply", &e->text, kMaxName)) {
+        parse_reply_expectation(r, o, e);
+    } else if (json_get_int(r, o, "steering_calls", 0, 1000000, &n)) {
+        e->kind = ExpectKind::STEERING;
         e->value = static_cast<int>(n);
     } else if (json_object* s = json_member(o, "samples")) {
         e->kind = ExpectKind::SAMPLES;

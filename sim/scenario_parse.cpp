@@ -178,6 +178,13 @@ void parse_timeline_entry(Reader& r, json_object* o, Scenario* out, TimelineEntr
         SimLink scratch;
         if (apply_link_fields(r, set, &scratch))
             e->data = json_object_to_json_string_ext(set, JSON_C_TO_STRING_PLAIN);
+    } else if (json_get_string(r, o, "ubus_call", &e->name, kMaxName)) {
+        e->kind = TimelineKind::UBUS_CALL;
+        if (!json_get_string(r, o, "method", &e->method, kMaxName))
+            r.fail("a \"ubus_call\" names its \"method\"");
+        e->data = data == nullptr ? "{}" : json_object_to_json_string_ext(data, JSON_C_TO_STRING_PLAIN);
+        if (data != nullptr && !json_is(data, json_type_object))
+            r.fail("\"data\" of a ubus call must be an object");
     } else if (parse_client_timeline(r, o, e->at_ms, out)) {
         e->kind = TimelineKind::CLIENT;
     } else if (json_get_string(r, o, "bus", &e->name, kMaxName)) {
@@ -190,7 +197,8 @@ void parse_timeline_entry(Reader& r, json_object* o, Scenario* out, TimelineEntr
         parse_uci(r, uci, &scratch);
         e->data = json_object_to_json_string_ext(uci, JSON_C_TO_STRING_PLAIN);
     } else if (r.ok) {
-        r.fail("timeline entry of an unknown kind (ubus, netlink, station_expired, link, uci, bus, client_join or client_leave)");
+        r.fail("timeline entry of an unknown kind (ubus, ubus_call, netlink, station_expired, link, uci, bus, client_join "
+               "or client_leave)");
     }
 }
 
@@ -246,7 +254,7 @@ void parse_expectation(Reader& r, json_object* o, Expectation* e) {
         e->value = static_cast<int>(n);
     } else if (r.ok) {
         r.fail("expectation of an unknown kind (log_contains, log_absent, call, run, file, client, bridge, "
-               "wds_deleted, path_state, preferred, samples, exit)");
+               "wds_deleted, path_state, preferred, samples, pool, ubus_reply, steering_calls, exit)");
     }
     if (json_get_int(r, o, "count", 0, 1000000, &n))
         e->count = static_cast<int>(n);
@@ -358,6 +366,7 @@ std::string what_of(const Expectation& e) {
     switch (e.kind) {
         case ExpectKind::EXIT:
         case ExpectKind::POOL:
+        case ExpectKind::STEERING:
             return " " + std::to_string(e.value);
         case ExpectKind::PREFERRED:
             return " \"" + e.equals + "\"";
@@ -374,14 +383,19 @@ std::string what_of(const Expectation& e) {
 std::string describe(const Expectation& e) {
     static const char* const kinds[] = {"log_contains", "log_absent", "exit",        "call",      "file",
                                         "run",          "client",     "client",      "bridge",    "wds_deleted",
-                                        "path_state",   "preferred",  "samples",     "pool"};
+                                        "path_state",   "preferred",  "samples",     "pool",
+                                        "ubus_reply",   "steering_calls"};
     std::string s = kinds[static_cast<int>(e.kind)];
     s += what_of(e);
     if (e.kind == ExpectKind::CLIENT_PATH)
         s += " path \"" + e.equals + "\"";
     if (e.kind == ExpectKind::CLIENT_MOVES)
         s += " moves";
-    if (!e.port.empty())
+    if (e.kind == ExpectKind::UBUS_REPLY && e.value >= 0)
+        s += " status " + std::to_string(e.value);
+    if (e.kind == ExpectKind::UBUS_REPLY && !e.port.empty())
+        s += " " + e.port + " = " + e.equals;
+    else if (!e.port.empty())
         s += " port " + e.port;
     for (const auto& kv : e.settings)
         s += " " + kv.first + "=" + kv.second;

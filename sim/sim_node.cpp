@@ -104,6 +104,9 @@ void SimNode::play(const TimelineEntry& e) {
         break;
     case TimelineKind::CLIENT:
         break;
+    case TimelineKind::UBUS_CALL:
+        call(e);
+        break;
     case TimelineKind::BUS:
         if (e.name == "down")
             bus_.daemon_down();
@@ -163,6 +166,13 @@ ExpectResult SimNode::judge(const Expectation& e, int exit_status) const {
     case ExpectKind::SAMPLES:
     case ExpectKind::POOL:
         return judge_state(e);
+    case ExpectKind::UBUS_REPLY:
+        return judge_reply(e);
+    case ExpectKind::STEERING:
+        n = steering_actions();
+        r.passed = n == static_cast<size_t>(e.value);
+        r.why = std::to_string(n) + " steering actions";
+        return r;
     case ExpectKind::FILE_EQUALS:
         return judge_file(e);
     }
@@ -212,8 +222,17 @@ RunOutcome SimNode::finish(int exit_status) {
     return out;
 }
 
+TimelineTrace SimNode::timeline() {
+    if (!record_timeline_)
+        return TimelineTrace{};
+    record_timeline_ = false;
+    return recorder_.finish(loop_.now_ms());
+}
+
 RunOutcome SimNode::run(const std::string& argv0, const std::vector<std::string>& extra) {
     arm_timeline();
+    if (record_timeline_)
+        recorder_.start(&loop_, sc_);
     clients_.start(sc_.clients);
     std::vector<std::string> args{argv0};
     args.insert(args.end(), sc_.args.begin(), sc_.args.end());

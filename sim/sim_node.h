@@ -10,6 +10,7 @@
 #include "sim/sim_host.h"
 #include "sim/sim_loop.h"
 #include "sim/sim_uci.h"
+#include "sim/timeline_recorder.h"
 #include "sim/wlan_platform_sim.h"
 
 namespace lynd {
@@ -18,6 +19,16 @@ struct ExpectResult {
     const Expectation* expect;
     bool passed;
     std::string why;
+};
+
+// A method call the timeline made, and what came back.
+struct BusCallRecord {
+    int64_t at_ms;
+    std::string object;
+    std::string method;
+    std::string args;
+    int status;
+    std::string reply;  // JSON text when the status is 0
 };
 
 struct RunOutcome {
@@ -41,6 +52,16 @@ public:
     SimBridge& bridge() { return bridge_; }
     SimWlan& wlan() { return wlan_; }
     SimClients& clients() { return clients_; }
+    SimBus& bus() { return bus_; }
+    SimLoop& loop() { return loop_; }
+    const std::vector<BusCallRecord>& bus_calls() const { return bus_calls_; }
+    // Before run(): watch the run for the timeline picture.
+    void record_timeline() { record_timeline_ = true; }
+    // The run as watched so far (empty unless recorded); the watch ends.
+    TimelineTrace timeline();
+    // Actions that steer traffic, as the node saw them: bridge writes, WDS
+    // deletions, reconnects, keep-alive frames and broadcast-file writes.
+    size_t steering_actions() const;
 
 private:
     struct TimelineTimer {
@@ -58,6 +79,8 @@ private:
     ExpectResult judge_state(const Expectation& e) const;
     ExpectResult judge_file(const Expectation& e) const;
     size_t count_calls(const Expectation& e) const;
+    void call(const TimelineEntry& e);
+    ExpectResult judge_reply(const Expectation& e) const;
     void build_node();
     void arm_timeline();
 
@@ -72,6 +95,9 @@ private:
     SimClients clients_{&host_, &bridge_, &wlan_, &loop_};
     std::vector<TimelineTimer> timers_;
     std::vector<ExpectResult> timed_results_;
+    std::vector<BusCallRecord> bus_calls_;
+    bool record_timeline_ = false;
+    TimelineRecorder recorder_;
 };
 
 }  // namespace lynd

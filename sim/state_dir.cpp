@@ -27,7 +27,9 @@ bool make_parents(const std::string& dir, const std::string& file, std::string* 
     return true;
 }
 
-bool write_whole(const std::string& path, const std::string& data, std::string* error) {
+}  // namespace
+
+bool write_whole_file(const std::string& path, const std::string& data, std::string* error) {
     std::FILE* f = std::fopen(path.c_str(), "wb");
     bool ok = f != nullptr && std::fwrite(data.data(), 1, data.size(), f) == data.size();
     if (f != nullptr && std::fclose(f) != 0)
@@ -36,8 +38,6 @@ bool write_whole(const std::string& path, const std::string& data, std::string* 
         *error = path + ": " + std::strerror(errno);
     return ok;
 }
-
-}  // namespace
 
 std::string state_path(const std::string& dir, const std::string& path) {
     std::string rel;
@@ -65,7 +65,7 @@ bool write_state_dir(const SimHost& host, const std::string& dir, std::string* e
             *error = kv.first + ": not a path below the node's root";
             return false;
         }
-        if (!make_parents(dir, target, error) || !write_whole(target, kv.second, error))
+        if (!make_parents(dir, target, error) || !write_whole_file(target, kv.second, error))
             return false;
     }
     return true;

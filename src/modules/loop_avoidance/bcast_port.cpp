@@ -40,28 +40,14 @@ bool off_primary(const lynd_config* conf, const conf_interface* p) {
 // The bridge follows the port's type; the file changes only with the name.
 void take_primary(lynd_config* conf, int i, const conf_interface* p, const char* reason) {
     conf->bridges[i].bcast_type = static_cast<uint8_t>(p->type);
-    if (std::strncmp(p->name, g_loop_avoidance.last_bcast_port[i], LYND_NAME_LEN) == 0)
-        return;
-    decision_record(DECISION_BCAST_PORT, conf->bridges[i].name, g_loop_avoidance.last_bcast_port[i], p->name, reason);
-    loop_avoidance_publish_bcast_port(i, p->name);
+    if (std::strncmp(p->name, g_loop_avoidance.last_bcast_port[i], LYND_NAME_LEN) != 0)
+        loop_avoidance_publish_bcast_port(conf, i, p->name, reason);
 }
 
 void keep_name(char* dst, const conf_interface* p) {
     std::memset(dst, 0, LYND_NAME_LEN);
     if (p != nullptr)
         std::memcpy(dst, p->name, strnlen(p->name, LYND_NAME_LEN - 1));
-}
-
-void keep_picks(lynd_config* conf, int i, const bcast_picks& pk) {
-    const uint32_t* vids = nullptr;
-    (void)loop_avoidance_vlans(conf, &vids);
-    g_loop_avoidance.n_picks[i] = static_cast<uint8_t>(pk.n_vlans);
-    for (int v = 0; v < pk.n_vlans; v++) {
-        bcast_pick_kept& k = g_loop_avoidance.picks[i][v];
-        k.vid = vids[v];
-        keep_name(k.port[0], pk.port[0][v]);
-        keep_name(k.port[1], pk.port[1][v]);
-    }
 }
 
 // Path selection names one port per VLAN, whatever its class.
@@ -73,7 +59,7 @@ void keep_chosen(lynd_config* conf, int i, conf_interface* const* chosen, int n_
         for (int k = 0; k < n_chosen; k++)
             if (lynd_get_ts_vlan(conf, chosen[k]->name) == vids[v])
                 pk.port[chosen[k]->if_class != 0 ? 1 : 0][v] = chosen[k];
-    keep_picks(conf, i, pk);
+    loop_avoidance_keep_picks(conf, i, pk);
 }
 
 bool in_list(const conf_interface* p, conf_interface* const* list, int n) {
@@ -116,7 +102,7 @@ void set_bcast_port_of(lynd_config* conf, int i) {
         return;
     bcast_picks pk;
     pick_all(conf, ports, count, &pk);
-    keep_picks(conf, i, pk);
+    loop_avoidance_keep_picks(conf, i, pk);
     program_broadcast(br, ports, count, pk);
     for (int v = 0; v < pk.n_vlans; v++) {
         conf_interface* p = pk.port[0][v];
@@ -148,7 +134,20 @@ int loop_avoidance_vlans(const lynd_config* conf, const uint32_t** vids) {
     return 1;
 }
 
-void loop_avoidance_publish_bcast_port(int i, const char* name) {
+void loop_avoidance_keep_picks(lynd_config* conf, int i, const bcast_picks& pk) {
+    const uint32_t* vids = nullptr;
+    (void)loop_avoidance_vlans(conf, &vids);
+    g_loop_avoidance.n_picks[i] = static_cast<uint8_t>(pk.n_vlans);
+    for (int v = 0; v < pk.n_vlans; v++) {
+        bcast_pick_kept& k = g_loop_avoidance.picks[i][v];
+        k.vid = vids[v];
+        keep_name(k.port[0], pk.port[0][v]);
+        keep_name(k.port[1], pk.port[1][v]);
+    }
+}
+
+void loop_avoidance_publish_bcast_port(lynd_config* conf, int i, const char* name, const char* reason) {
+    decision_record(DECISION_BCAST_PORT, conf->bridges[i].name, g_loop_avoidance.last_bcast_port[i], name, reason);
     char text[LYND_NAME_LEN + 1];
     size_t len = strnlen(name, LYND_NAME_LEN - 1);
     std::memcpy(text, name, len);

@@ -41,5 +41,7 @@ bool loop_avoidance_picked(const bcast_picks& pk, const conf_interface* p);
 // The VLANs loop avoidance works over: the separated ones, else VLAN 0.
 int loop_avoidance_vlans(const lynd_config* conf, const uint32_t** vids);
 // Writes name and a newline to the broadcast file and remembers it for
-// bridge index i.
-void loop_avoidance_publish_bcast_port(int i, const char* name);
+// bridge index i, as a decision taken for reason.
+void loop_avoidance_publish_bcast_port(lynd_config* conf, int i, const char* name, const char* reason);
+// Remembers the picks of bridge index i for an operator's question.
+void loop_avoidance_keep_picks(lynd_config* conf, int i, const bcast_picks& pk);

@@ -55,10 +55,11 @@ void pick(lynd_config* conf, int i, conf_interface* const* ports, int count, bca
                      pk->port[0][v] != nullptr ? pk->port[0][v]->name : "NO_PORT",
                      pk->port[1][v] != nullptr ? pk->port[1][v]->name : "NO_PORT");
     }
+    loop_avoidance_keep_picks(conf, i, *pk);
     for (int v = 0; v < pk->n_vlans; v++) {
         const conf_interface* p = pk->port[0][v];
         if (p != nullptr && p->ts_vlan_id == conf->ts.primary_vlan)
-            loop_avoidance_publish_bcast_port(i, p->name);
+            loop_avoidance_publish_bcast_port(conf, i, p->name, "bridge configured");
     }
 }
 

@@ -28,6 +28,7 @@ client_explain& explain_of(const hc_client* c) { return g_explain[c - hc_entrys]
 
 void explain_begin(const hc_client* c, uint8_t here, uint64_t sq, uint32_t sta_rate) {
     client_explain& e = explain_of(c);
+    e = client_explain{};
     std::memcpy(e.mac, c->hc.mac, LYND_MAC_LEN);
     e.valid = true;
     e.at_ms = g_explain_run_ms;
@@ -35,15 +36,8 @@ void explain_begin(const hc_client* c, uint8_t here, uint64_t sq, uint32_t sta_r
     e.sta_type = c->sta_type;
     e.sq = sq;
     e.sta_rate = sta_rate;
-    e.n = 0;
     e.ranked = PATH_NONE;
-    e.damping_checked = false;
-    e.damped = false;
     e.best = PATH_NONE;
-    e.outcome = OUTCOME_NOT_RATED;
-    e.count = 0;
-    e.count_needed = 0;
-    e.assoc_newly = false;
 }
 
 void explain_candidate_add(client_explain& e, const explain_candidate& cand) {
