@@ -23,39 +23,36 @@ const char* rank_text(const client_explain& e, const explain_candidate& c) {
 void put_candidate(BusReply& r, const client_explain& e, const explain_candidate& c) {
     r.open_table(nullptr);
     r.put_string("path", slot_name(c.slot));
-    r.put_int("weight", c.weight);
-    r.put_int("quota", c.quota);
-    r.put_int("rate", c.rate);
-    r.put_int("bq", static_cast<int64_t>(c.bq));
-    r.put_int("quality", static_cast<int64_t>(c.q));
-    r.put_bool("harmonic_mean", c.own_band && e.sq != 0 && c.bq != 0);
-    r.put_bool("limited_by_station", c.limited);
-    r.put_bool("overloaded", c.overloaded);
-    r.put_bool("ranked_first", c.slot == e.ranked);
+    put_ints(r, {{"weight", c.weight},
+                 {"quota", c.quota},
+                 {"rate", c.rate},
+                 {"bq", static_cast<int64_t>(c.bq)},
+                 {"quality", static_cast<int64_t>(c.q)}});
+    put_flags(r, {{"harmonic_mean", c.own_band && e.sq != 0 && c.bq != 0},
+                  {"limited_by_station", c.limited},
+                  {"overloaded", c.overloaded},
+                  {"ranked_first", c.slot == e.ranked}});
     r.put_string("why", rank_text(e, c));
     r.close();
 }
 
 void put_damping(BusReply& r, const client_explain& e) {
     r.open_table("damping");
-    r.put_bool("checked", e.damping_checked);
-    r.put_int("delta_percent", e.delta_percent);
-    r.put_int("threshold", e.threshold);
-    r.put_bool("held", e.damped);
+    put_flags(r, {{"checked", e.damping_checked}, {"held", e.damped}});
+    put_ints(r, {{"delta_percent", e.delta_percent}, {"threshold", e.threshold}});
     r.close();
 }
 
 void put_outcome(BusReply& r, const client_explain& e, bool stale, int handle_count) {
     uint8_t outcome = stale ? static_cast<uint8_t>(OUTCOME_STALE) : e.outcome;
     r.put_string("outcome", move_outcome_texts[outcome < 10 ? outcome : 0]);
-    r.put_bool("moved", !stale && e.outcome == OUTCOME_MOVED);
-    r.put_int("count", e.count);
-    r.put_int("count_needed", e.count_needed);
-    r.put_bool("assoc_newly", e.assoc_newly);
-    r.put_int("handle_count", handle_count);
-    r.put_int("adjust_quota", e.adjust_quota);
-    r.put_int("needed_quota", e.quota);
-    r.put_int("client_rate", e.rate_mbps);
+    put_flags(r, {{"moved", !stale && e.outcome == OUTCOME_MOVED}, {"assoc_newly", e.assoc_newly}});
+    put_ints(r, {{"count", e.count},
+                 {"count_needed", e.count_needed},
+                 {"handle_count", handle_count},
+                 {"adjust_quota", e.adjust_quota},
+                 {"needed_quota", e.quota},
+                 {"client_rate", e.rate_mbps}});
 }
 
 // A client in the pool that no run has rated yet.

@@ -25,38 +25,37 @@ void put_path(const status_context& ctx, BusReply& r, int t, int64_t now_ms) {
     r.put_string("type", type_names[t]);
     r.put_string("state", path_state_names[p.state < 6 ? p.state : 6]);
     r.put_int("state_seconds", in.entered_ms != 0 ? (now_ms - in.entered_ms) / 1000 : status_uptime_s(ctx, now_ms));
-    r.put_int("changes_last_hour", path_insight_flaps(t, now_ms));
-    r.put_int("ma_rssi", in.rating.ma_rssi);
-    r.put_int("ma_snr", in.rating.ma_snr);
-    r.put_int("rate", p.rate);
-    r.put_int("util", p.util);
-    r.put_int("quota", p.quota);
+    put_ints(r, {{"changes_last_hour", path_insight_flaps(t, now_ms)},
+                 {"ma_rssi", in.rating.ma_rssi},
+                 {"ma_snr", in.rating.ma_snr},
+                 {"rate", p.rate},
+                 {"util", p.util},
+                 {"quota", p.quota}});
     r.put_bool("overload", p.overload == 1);
-    r.put_int("clients", count_clients(p));
-    r.put_int("samples", p.path_history.num);
+    put_ints(r, {{"clients", count_clients(p)}, {"samples", p.path_history.num}});
     r.close();
 }
 
 void put_thresholds(BusReply& r, const hc_path& p) {
     r.open_table("thresholds");
-    r.put_int("weaklink_rssi", p.weaklink_threshold_rssi);
-    r.put_int("weaklink_snr", p.weaklink_threshold_snr);
-    r.put_int("weaklink_rate", p.weaklink_threshold_rate);
-    r.put_int("weaklink_hold_rssi", p.weaklink_hold_threshold_rssi);
-    r.put_int("weaklink_hold_snr", p.weaklink_hold_threshold_snr);
-    r.put_int("abnormal_txrate", p.abnormal_threshold_txrate);
-    r.put_int("abnormal_rxrate", p.abnormal_threshold_rxrate);
-    r.put_int("smoothing_factor", p.linkquality_smoothing_factor);
+    put_ints(r, {{"weaklink_rssi", p.weaklink_threshold_rssi},
+                 {"weaklink_snr", p.weaklink_threshold_snr},
+                 {"weaklink_rate", p.weaklink_threshold_rate},
+                 {"weaklink_hold_rssi", p.weaklink_hold_threshold_rssi},
+                 {"weaklink_hold_snr", p.weaklink_hold_threshold_snr},
+                 {"abnormal_txrate", p.abnormal_threshold_txrate},
+                 {"abnormal_rxrate", p.abnormal_threshold_rxrate},
+                 {"smoothing_factor", p.linkquality_smoothing_factor}});
     r.close();
 }
 
 void put_verdict(BusReply& r, const path_rating& g) {
     r.open_table("below");
-    r.put_bool("weaklink", g.weak);
-    r.put_bool("weaklink_hold", g.hold);
-    r.put_bool("txrate_floor", g.tx_low);
-    r.put_bool("rxrate_floor", g.rx_low);
-    r.put_bool("no_traffic", g.no_tx);
+    put_flags(r, {{"weaklink", g.weak},
+                  {"weaklink_hold", g.hold},
+                  {"txrate_floor", g.tx_low},
+                  {"rxrate_floor", g.rx_low},
+                  {"no_traffic", g.no_tx}});
     r.close();
 }
 
@@ -65,16 +64,16 @@ void put_rating(const status_context& ctx, BusReply& r, const path_rating& g) {
     r.put_int("rated_at", g.at_ms != 0 ? status_uptime_s(ctx, g.at_ms) : -1);
     r.put_string("state_before", path_state_names[g.state_before < 6 ? g.state_before : 6]);
     r.put_string("state_after", path_state_names[g.state_after < 6 ? g.state_after : 6]);
-    r.put_int("samples", g.samples);
-    r.put_int("ma_rssi", g.ma_rssi);
-    r.put_int("ma_snr", g.ma_snr);
-    r.put_int("smooth_rate", g.smooth_rate);
-    r.put_int("txrate", g.txrate);
-    r.put_int("rxrate", g.rxrate);
-    r.put_int("rate", g.rate);
-    r.put_int("tx_bytes", g.tx_bytes);
-    r.put_int("weak_count", g.weak_count);
-    r.put_int("abnormal_count", g.abnormal_count);
+    put_ints(r, {{"samples", g.samples},
+                 {"ma_rssi", g.ma_rssi},
+                 {"ma_snr", g.ma_snr},
+                 {"smooth_rate", g.smooth_rate},
+                 {"txrate", g.txrate},
+                 {"rxrate", g.rxrate},
+                 {"rate", g.rate},
+                 {"tx_bytes", g.tx_bytes},
+                 {"weak_count", g.weak_count},
+                 {"abnormal_count", g.abnormal_count}});
 }
 
 }  // namespace
@@ -98,9 +97,7 @@ int status_reply_explain_path(const status_context& ctx, const char* path, BusRe
         put_rating(ctx, r, g_path_insight[t].rating);
         put_thresholds(r, p);
         put_verdict(r, g_path_insight[t].rating);
-        r.put_int("util", p.util);
-        r.put_int("reserved_ratio", p.reserved_ratio);
-        r.put_int("quota", p.quota);
+        put_ints(r, {{"util", p.util}, {"reserved_ratio", p.reserved_ratio}, {"quota", p.quota}});
         r.put_string("quota_block", quota_block_texts[g_path_insight[t].quota_block % 5]);
         r.put_bool("overload", p.overload == 1);
         r.put_int("high_threshold", ctx.conf->param.high_threshold);

@@ -2,6 +2,7 @@
 // daemon keeps and never reruns a step of the algorithm.
 #pragma once
 #include <cstdint>
+#include <initializer_list>
 
 #include "config/lynd_config.h"
 #include "core/mac.h"
@@ -31,6 +32,18 @@ struct explain_query {
 int explain_query_parse(const lynd::BusMessage& args, explain_query* out);
 // Pure: BUS_STATUS_OK with *enable, or BUS_STATUS_INVALID_ARGUMENT.
 int shadow_query_parse(const lynd::BusMessage& args, bool* enable);
+
+// Runs of plain members of one reply table.
+struct reply_int {
+    const char* name;
+    int64_t value;
+};
+struct reply_flag {
+    const char* name;
+    bool value;
+};
+void put_ints(lynd::BusReply& r, std::initializer_list<reply_int> fields);
+void put_flags(lynd::BusReply& r, std::initializer_list<reply_flag> fields);
 
 // Seconds since the object's start, for a monotonic time.
 int64_t status_uptime_s(const status_context& ctx, int64_t at_ms);
