@@ -5,6 +5,7 @@ FUZZ_BUILD   ?= build-fuzz
 JOBS         ?= $(shell nproc 2>/dev/null || echo 2)
 FUZZ_SECONDS ?= 10
 SCENARIO     ?= scenarios/demo.json
+TIMELINE     ?=
 CMAKE_ARGS   ?=
 
 .PHONY: all deps build run test test-plain test-asan fuzz bench callgrind clean
@@ -19,7 +20,7 @@ build: deps
 	cmake --build $(BUILD) -j $(JOBS)
 
 run: build
-	$(BUILD)/lynd-sim run $(SCENARIO)
+	$(BUILD)/lynd-sim run $(if $(TIMELINE),--timeline $(TIMELINE)) $(SCENARIO)
 
 test: fuzz test-asan test-plain
 
