@@ -11,6 +11,9 @@ namespace lynd {
 
 class UbusBus : public Bus {
 public:
+    // socket: ubusd's socket, or null for the system's.
+    explicit UbusBus(const char* socket = nullptr) : socket_(socket) {}
+
     int connect() override;
     int register_event_handler(const char* pattern, BusEventHandler handler, void* ctx) override;
     const char* strerror(int error) override;
@@ -18,8 +21,11 @@ public:
     void free() override;
     void set_lost_handler(BusLostHandler handler, void* ctx) override;
     int reconnect() override;
+    int add_object(const BusObject& object) override;
 
 private:
+    static int invoke(ubus_context* ctx, ubus_object* obj, ubus_request_data* req, const char* method,
+                      blob_attr* msg);
     static void receive(ubus_context* ctx, ubus_event_handler* ev, const char* type, blob_attr* msg);
     static void lost(ubus_context* ctx);
 
@@ -32,7 +38,12 @@ private:
         ubus_context ctx;
         UbusBus* self;
     };
+    struct ObjectRecord {
+        ubus_object obj;
+        UbusBus* self;
+    };
 
+    const char* socket_;
     ContextRecord context_{};
     bool connected_ = false;
     HandlerRecord record_{};
@@ -40,6 +51,15 @@ private:
     void* handler_ctx_ = nullptr;
     BusLostHandler lost_ = nullptr;
     void* lost_ctx_ = nullptr;
+
+    // The one object, its type and method table in fixed storage; the reply
+    // buffer keeps its memory from call to call.
+    const BusObject* object_ = nullptr;
+    ObjectRecord record_obj_{};
+    ubus_object_type type_{};
+    ubus_method methods_[BUS_MAX_METHODS]{};
+    blobmsg_policy policies_[BUS_MAX_METHODS][BUS_MAX_METHOD_ARGS]{};
+    blob_buf reply_{};
 };
 
 }  // namespace lynd
