@@ -82,8 +82,9 @@ void TimelineRecorder::sample(int64_t now_ms) {
             trace_.paths.push_back(TracePath{p.name, {}, {}});
             tp = &trace_.paths.back();
         }
+        // A state holds until the next one is seen, so the bands meet.
         if (tp->states.empty() || tp->states.back().state != p.state)
-            tp->states.push_back(TraceStateSpan{t, t, p.state});
+            tp->states.push_back(TraceStateSpan{tp->states.empty() ? t : tp->states.back().to, t, p.state});
         tp->states.back().to = t;
         tp->points.push_back(TracePoint{t, static_cast<double>(p.rate), static_cast<double>(p.util)});
     }
