@@ -64,9 +64,16 @@ endif()
 
 if(LYND_TESTS)
   file(GLOB LYND_OPENWRT_TESTS CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/openwrt/*.cpp)
+  # The object's test prints replies as `ubus call` does, with libubox's JSON side.
+  find_library(BLOBMSG_JSON_LIBRARY blobmsg_json)
+  if(NOT BLOBMSG_JSON_LIBRARY)
+    list(REMOVE_ITEM LYND_OPENWRT_TESTS ${CMAKE_SOURCE_DIR}/tests/openwrt/ubus_object_test.cpp)
+    set(BLOBMSG_JSON_LIBRARY "")
+  endif()
   add_executable(lynd_openwrt_tests ${LYND_OPENWRT_TESTS})
   target_include_directories(lynd_openwrt_tests PRIVATE ${CMAKE_SOURCE_DIR})
-  target_link_libraries(lynd_openwrt_tests PRIVATE lynd_openwrt lynd_sim GTest::gtest GTest::gtest_main)
+  target_link_libraries(lynd_openwrt_tests PRIVATE lynd_openwrt lynd_sim GTest::gtest GTest::gtest_main
+                        ${BLOBMSG_JSON_LIBRARY})
   gtest_discover_tests(lynd_openwrt_tests DISCOVERY_TIMEOUT 60)
 endif()
 if(LYND_FUZZ)
