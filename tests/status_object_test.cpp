@@ -295,8 +295,10 @@ TEST_F(StatusObjectTest, ShadowIsSwitchedOverTheBus) {
     EXPECT_EQ(2u, lynd_shadow_held_count());  // the entry and its flow-cache flush
     Reply moves(call("decisions"));
     EXPECT_EQ("newly associated", moves.str("decisions.0.reason"));
+    conf.bridges[0].preferred_ifindex = 12;
     (void)call("shadow", "{\"enable\":false}");
     EXPECT_FALSE(lynd_shadow_mode());
+    EXPECT_EQ(0u, conf.bridges[0].preferred_ifindex);  // written again by the next run
     Reply status(call("status"));
     EXPECT_FALSE(status.flag("shadow"));
     EXPECT_EQ(2, status.num("shadow_held"));

@@ -6,6 +6,7 @@
 #include "core/shadow.h"
 #include "daemon/status_replies.h"
 #include "event/ubus_receive.h"
+#include "modules/loop_avoidance/bcast_port.h"
 
 using lynd::BusMessage;
 using lynd::BusReply;
@@ -37,11 +38,22 @@ int explain(const BusMessage& args, BusReply& r) {
     return q.by_mac ? status_reply_explain_client(g_status, q.mac, r) : status_reply_explain_path(g_status, q.path, r);
 }
 
+// What shadow mode kept from the bridge is not cached as written: the next
+// run writes the preferred port and the broadcast file again.
+void forget_held_writes(lynd_config* conf) {
+    for (uint64_t i = 0; i < conf->n_bridges && i < LYND_MAX_BRIDGES; i++) {
+        conf->bridges[i].preferred_ifindex = 0;
+        g_loop_avoidance.last_bcast_port[i][0] = '\0';
+    }
+}
+
 int shadow(const BusMessage& args, BusReply& r) {
     bool enable = false;
     int rc = shadow_query_parse(args, &enable);
     if (rc != lynd::BUS_STATUS_OK)
         return rc;
+    if (lynd_shadow_mode() && !enable)
+        forget_held_writes(g_status.conf);
     g_status.conf->shadow = enable;
     lynd_set_shadow_mode(enable);
     r.put_bool("shadow", enable);
