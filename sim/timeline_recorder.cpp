@@ -1,5 +1,7 @@
 #include "sim/timeline_recorder.h"
 
+#include <algorithm>
+
 #include "core/decision_ring.h"
 #include "core/mac.h"
 #include "modules/path_selection/hc_records.h"
@@ -84,7 +86,8 @@ void TimelineRecorder::sample(int64_t now_ms) {
         }
         // A state holds until the next one is seen, so the bands meet.
         if (tp->states.empty() || tp->states.back().state != p.state)
-            tp->states.push_back(TraceStateSpan{tp->states.empty() ? t : tp->states.back().to, t, p.state});
+            tp->states.push_back(
+                TraceStateSpan{tp->states.empty() ? std::max(0.0, t - seconds(kSampleMs)) : tp->states.back().to, t, p.state});
         tp->states.back().to = t;
         tp->points.push_back(TracePoint{t, static_cast<double>(p.rate), static_cast<double>(p.util)});
     }
