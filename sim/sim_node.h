@@ -53,7 +53,6 @@ public:
     SimWlan& wlan() { return wlan_; }
     SimClients& clients() { return clients_; }
     SimBus& bus() { return bus_; }
-    SimLoop& loop() { return loop_; }
     const std::vector<BusCallRecord>& bus_calls() const { return bus_calls_; }
     // Before run(): watch the run for the timeline picture.
     void record_timeline() { record_timeline_ = true; }
