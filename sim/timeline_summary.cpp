@@ -60,8 +60,11 @@ void lane(std::string& out, const std::vector<Bucket>& bs, const TracePath& p, s
         double mid = (b.from + b.to) / 2;
         mean.emplace_back(mid, pb.rate_sum / pb.samples);
         util.emplace_back(mid, pb.util_sum / pb.samples);
-        upper += svg_num(l.x(mid)) + "," + svg_num(Layout::y(top, kLaneHeight, pb.rate_max, max)) + " ";
-        lower = svg_num(l.x(mid)) + "," + svg_num(Layout::y(top, kLaneHeight, pb.rate_min, max)) + " " + lower;
+        // The band holds across its bucket, so a drop shows as wide as it was counted.
+        std::string hi = svg_num(Layout::y(top, kLaneHeight, pb.rate_max, max));
+        std::string lo = svg_num(Layout::y(top, kLaneHeight, pb.rate_min, max));
+        upper += svg_num(l.x(b.from)) + "," + hi + " " + svg_num(l.x(b.to)) + "," + hi + " ";
+        lower = svg_num(l.x(b.to)) + "," + lo + " " + svg_num(l.x(b.from)) + "," + lo + " " + lower;
     }
     if (mean.empty())
         return;

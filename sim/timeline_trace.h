@@ -52,7 +52,7 @@ struct TraceMarker {
 struct TraceTick {
     double t;
     std::string label;
-    std::string detail;
+    std::string detail{};
 };
 
 // CPU occupancy in percent as the daemon sampled it.
