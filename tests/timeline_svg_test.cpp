@@ -278,13 +278,19 @@ TEST(TimelineSvgTest, ADayIsSummedUpPerBucketInABoundedPicture) {
     EXPECT_GT(hour.classes["movemark"], 0);
 }
 
-// The simulator's own picture of a run shows every move the daemon made.
-TEST(TimelineSvgTest, ARunsPictureShowsEachMoveTheDaemonMade) {
+// A bundled scenario, parsed.
+lynd::Scenario bundled(const std::string& name) {
     lynd::Scenario sc;
     std::string error;
-    std::ifstream in(std::string(LYND_SOURCE_DIR) + "/scenarios/ps_weak_5g.json");
+    std::ifstream in(std::string(LYND_SOURCE_DIR) + "/scenarios/" + name + ".json");
     std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    ASSERT_TRUE(parse(text, &sc, &error)) << error;
+    EXPECT_TRUE(parse(text, &sc, &error)) << error;
+    return sc;
+}
+
+// The simulator's own picture of a run shows every move the daemon made.
+TEST(TimelineSvgTest, ARunsPictureShowsEachMoveTheDaemonMade) {
+    lynd::Scenario sc = bundled("ps_weak_5g");
     lynd::SimNode node(sc);
     node.record_timeline();
     (void)node.run("lynd", {});
@@ -308,11 +314,7 @@ TEST(TimelineSvgTest, ARunsPictureShowsEachMoveTheDaemonMade) {
 // A link the scenario takes down shows at rate 0 from then on, though the
 // daemon keeps the rate it last measured.
 TEST(TimelineSvgTest, ARunsPictureDropsTheRateOfALinkThatWentDown) {
-    lynd::Scenario sc;
-    std::string error;
-    std::ifstream in(std::string(LYND_SOURCE_DIR) + "/scenarios/ps_peer_lost.json");
-    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    ASSERT_TRUE(parse(text, &sc, &error)) << error;
+    lynd::Scenario sc = bundled("ps_peer_lost");
     lynd::SimNode node(sc);
     node.record_timeline();
     (void)node.run("lynd", {});
