@@ -14,11 +14,13 @@ struct TraceStateSpan {
     int state;
 };
 
-// Rate in Mbit/s, utilisation in percent, as the daemon last rated them.
+// Rate in Mbit/s, utilisation in percent, as the daemon last rated them;
+// whether the link itself was up (the daemon keeps its last rate when not).
 struct TracePoint {
     double t;
     double rate;
     double util;
+    bool link_up = true;
 };
 
 struct TracePath {
@@ -45,10 +47,18 @@ struct TraceMarker {
     std::string port;
 };
 
-// One of the scenario's timeline events.
+// One of the scenario's timeline events: a short label for the picture
+// and, when there is more to say, the whole of it for the tooltip.
 struct TraceTick {
     double t;
     std::string label;
+    std::string detail{};
+};
+
+// CPU occupancy in percent as the daemon sampled it.
+struct TraceCpuPoint {
+    double t;
+    double percent;
 };
 
 struct TimelineTrace {
@@ -58,6 +68,8 @@ struct TimelineTrace {
     std::vector<TraceMove> moves;
     std::vector<TraceMarker> markers;
     std::vector<TraceTick> ticks;
+    std::vector<TraceCpuPoint> cpu;
+    double cpu_threshold = 0;  // percent; 0: the guard is off and nothing is sampled
 };
 
 // One self-contained SVG document: no script, no outside reference.
