@@ -1,6 +1,7 @@
 #include "sim/json_reader.h"
 
 #include <cctype>
+#include <cstring>
 
 namespace lynd {
 
@@ -82,6 +83,18 @@ bool json_get_bool(JsonReader& r, json_object* obj, const char* key, bool* out) 
     if (!json_is(v, json_type_boolean))
         return r.fail(quoted(key) + " must be true or false");
     *out = json_object_get_boolean(v);
+    return true;
+}
+
+bool json_only_keys(JsonReader& r, json_object* o, const char* const* keys, const char* what) {
+    json_object_object_foreach(o, key, val) {
+        (void)val;
+        const char* const* k = keys;
+        while (*k != nullptr && std::strcmp(*k, key) != 0)
+            k++;
+        if (*k == nullptr)
+            return r.fail(std::string("unknown key \"") + key + "\" in " + what);
+    }
     return true;
 }
 

@@ -32,6 +32,10 @@ bool json_get_int(JsonReader& r, json_object* obj, const char* key, int64_t lo, 
 bool json_get_bool(JsonReader& r, json_object* obj, const char* key, bool* out);
 bool json_get_mac(JsonReader& r, json_object* obj, const char* key, uint8_t* mac);
 
+// False (recorded) when o has a key not in the null-ended keys: a misspelt
+// key would silently keep a default. what names o in the message.
+bool json_only_keys(JsonReader& r, json_object* o, const char* const* keys, const char* what);
+
 // Null when key is absent or of another shape (recorded).
 json_object* json_array_member(JsonReader& r, json_object* obj, const char* key);
 json_object* json_object_member(JsonReader& r, json_object* obj, const char* key);

@@ -4,6 +4,9 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/mac.h"
+#include "core/wire.h"
+
 namespace lynd {
 
 namespace {
@@ -92,6 +95,19 @@ std::string craft_station_expired(uint32_t ifindex) {
     std::memcpy(&attr[2], &rta_type, 2);
     std::string body = ifi + attr + event;
     return nlmsg(static_cast<uint32_t>(16 + body.size()), kRtmNewlink, body);
+}
+
+bool announced_hc_entry(const std::string& datagram, hc_entry* out) {
+    constexpr size_t kHeader = 16;
+    constexpr uint16_t kHcAdd = 3;
+    const auto* d = reinterpret_cast<const uint8_t*>(datagram.data());
+    if (datagram.size() < kHeader + sizeof(hc_entry))
+        return false;
+    uint32_t len = load_u32(d);
+    if (load_u16(d + 4) != kHcAdd || len < kHeader + sizeof(hc_entry) || len > datagram.size())
+        return false;
+    std::memcpy(out, d + kHeader, sizeof *out);
+    return !lynd_mac_is_zero(out->mac);
 }
 
 }  // namespace lynd

@@ -91,6 +91,7 @@ struct Scenario {
     std::map<std::string, SimLink> links;
     std::map<std::string, std::vector<SimStation>> stations;
     std::vector<SimClient> clients;
+    SimHcModel hc_model;  // node.hc_table, and the configuration's paths
     std::vector<TimelineEntry> timeline;
     std::vector<Expectation> expect;
 };

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "config/json_read.h"
+
 namespace lynd {
 
 namespace {
@@ -66,6 +68,33 @@ bool parse_client_timeline(JsonReader& r, json_object* o, int64_t at_ms, Scenari
         }
     }
     return r.fail("\"client_leave\" names a client that has not joined by then");
+}
+
+void parse_hc_model(JsonReader& r, json_object* node, Scenario* out) {
+    static const char* const keys[] = {"own_entry", "refill", "announce_refills", nullptr};
+    json_object* hc = json_object_member(r, node, "hc_table");
+    if (hc == nullptr || !json_only_keys(r, hc, keys, "\"hc_table\""))
+        return;
+    (void)json_get_bool(r, hc, "own_entry", &out->hc_model.own_entry);
+    (void)json_get_bool(r, hc, "refill", &out->hc_model.refill);
+    (void)json_get_bool(r, hc, "announce_refills", &out->hc_model.announce_refills);
+}
+
+void parse_config_paths(json_object* config, Scenario* out) {
+    auto file = out->files.find("/etc/lynd.json");
+    json_object* own = file != out->files.end() ? json_tokener_parse(file->second.c_str()) : nullptr;
+    json_object* ifaces = nullptr;
+    out->hc_model.paths.clear();
+    if (file != out->files.end())
+        config = own;
+    if (json_is(config, json_type_object) && json_object_object_get_ex(config, "interfaces", &ifaces) &&
+        json_is(ifaces, json_type_object)) {
+        json_object_object_foreach(ifaces, name, val) {
+            if (json_is(val, json_type_object) && json_bool_or(val, "path", false))
+                out->hc_model.paths.emplace_back(name);
+        }
+    }
+    json_object_put(own);
 }
 
 }  // namespace lynd

@@ -148,6 +148,7 @@ void parse_node(Reader& r, json_object* node, Scenario* out) {
     parse_bridges(r, json_array_member(r, node, "bridges"), out);
     parse_node_cpu(r, node, out);
     parse_node_mesh(r, node, out);
+    parse_hc_model(r, node, out);
 }
 
 void parse_timeline_entry(Reader& r, json_object* o, Scenario* out, TimelineEntry* e) {
@@ -305,6 +306,7 @@ void parse_top(Reader& r, json_object* root, Scenario* out) {
     parse_args(r, json_array_member(r, root, "args"), out);
     if (json_object* node = json_object_member(r, root, "node"))
         parse_node(r, node, out);
+    parse_config_paths(json_member(root, "config"), out);
     parse_radios(r, root, out);
     parse_clients(r, root, out);
     parse_timeline(r, json_array_member(r, root, "timeline"), out);

@@ -17,26 +17,9 @@ void get_field(JsonReader& r, json_object* o, const char* key, int64_t lo, int64
         *out = static_cast<T>(v);
 }
 
-bool known_key(const char* key, const char* const* keys) {
-    for (; *keys != nullptr; keys++)
-        if (std::string(key) == *keys)
-            return true;
-    return false;
-}
-
-// A misspelt key would silently keep a default: refuse it instead.
-bool only_keys(JsonReader& r, json_object* o, const char* const* keys, const char* what) {
-    json_object_object_foreach(o, key, val) {
-        (void)val;
-        if (!known_key(key, keys))
-            return r.fail(std::string("unknown key \"") + key + "\" in " + what);
-    }
-    return true;
-}
-
 bool apply_station_fields(JsonReader& r, json_object* o, SimStation* st) {
     static const char* const keys[] = {"mac", "txrate", "rxrate", "rssi", "noise", "idle", nullptr};
-    if (!json_is(o, json_type_object) || !only_keys(r, o, keys, "a station"))
+    if (!json_is(o, json_type_object) || !json_only_keys(r, o, keys, "a station"))
         return r.fail("each station must be an object with a \"mac\"");
     if (!json_get_mac(r, o, "mac", st->mac))
         return r.fail("each station needs a \"mac\"");
@@ -94,13 +77,16 @@ void add_tool(Scenario* out, const std::string& cmdline, const std::string& outp
 }  // namespace
 
 bool apply_link_fields(JsonReader& r, json_object* o, SimLink* link) {
-    static const char* const keys[] = {"up",   "peer",     "txrate",   "rxrate",  "rssi",    "noise", "idle",
-                                       "util", "tx_bytes", "rx_bytes", "tx_mbps", "rx_mbps", nullptr};
+    static const char* const keys[] = {"up",      "peer",     "txrate",   "rxrate",  "rssi",
+                                       "noise",   "idle",     "util",     "tx_bytes", "rx_bytes",
+                                       "tx_mbps", "rx_mbps",  "stalled",  "count_keepalive", nullptr};
     if (!json_is(o, json_type_object))
         return r.fail("a link must be an object");
-    if (!only_keys(r, o, keys, "a link"))
+    if (!json_only_keys(r, o, keys, "a link"))
         return false;
     (void)json_get_bool(r, o, "up", &link->up);
+    (void)json_get_bool(r, o, "stalled", &link->stalled);
+    (void)json_get_bool(r, o, "count_keepalive", &link->count_keepalive);
     (void)json_get_mac(r, o, "peer", link->peer);
     get_field(r, o, "txrate", 0, UINT16_MAX, &link->txrate);
     get_field(r, o, "rxrate", 0, UINT16_MAX, &link->rxrate);
@@ -147,7 +133,7 @@ void parse_node_mesh(JsonReader& r, json_object* node, Scenario* out) {
     static const char* const keys[] = {"controller", "eth_bh_if", nullptr};
     uint8_t mac[6];
     std::string text, bh;
-    if (!only_keys(r, mesh, keys, "\"mesh\""))
+    if (!json_only_keys(r, mesh, keys, "\"mesh\""))
         return;
     if (json_get_mac(r, mesh, "controller", mac) && json_get_string(r, mesh, "controller", &text))
         add_tool(out, "ubus call map meshd {\"action\":\"findcontroller\"}", ubus_reply("ret", "0", "mac", text));

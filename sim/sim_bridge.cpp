@@ -234,8 +234,11 @@ int SimBridge::bridgeDelHCTableEntriesByMAC(const char* bridge_name, const unsig
 int SimBridge::bridgeSetHcPreferred(const char* bridge_name, uint32_t ifindex) {
     int rc = record("bridgeSetHcPreferred", str(bridge_name) + " " + num(ifindex));
     SimBridgeState* br = find(str(bridge_name));
-    if (rc == 0 && br != nullptr)
+    if (rc == 0 && br != nullptr) {
         br->preferred = ifindex;
+        if (observer_ != nullptr)
+            observer_->preferred_set(*br);
+    }
     return rc;
 }
 

@@ -65,6 +65,7 @@ public:
     // old_dst: the entry's destination before the write, 0 for a new entry.
     virtual void hc_written(SimBridgeState& br, const uint8_t* mac, uint32_t old_dst) = 0;
     virtual void hc_flushed(SimBridgeState& br) = 0;
+    virtual void preferred_set(SimBridgeState& br) = 0;
 };
 
 class SimBridge : public KrelApi {

@@ -35,14 +35,18 @@ hc_entry* find_entry(SimBridgeState& br, const uint8_t* mac) {
 // "ath12.20" rides on ath12.
 std::string home_of(const std::string& name) { return name.substr(0, name.find('.')); }
 
+// Switched off by the daemon; never set counts as on.
+bool hc_on(const SimBridgeState& br) { return br.hc_enable != 0; }
+
 }  // namespace
 
-void SimClients::start(const std::vector<SimClient>& clients) {
+void SimClients::start(const std::vector<SimClient>& clients, const SimHcModel& model) {
     SimBridgeState* br = bridge_->first();
     if (br == nullptr)
         return;
     bridge_name_ = br->name;
     bridge_->set_hc_observer(this);
+    model_ = model;
     refill_.timer.cb = on_refill;
     refill_.owner = this;
     members_.resize(clients.size());
@@ -52,8 +56,8 @@ void SimClients::start(const std::vector<SimClient>& clients) {
         members_[i].timer.cb = on_member_timer;
         loop_->timer_set(&members_[i].timer, static_cast<int>(clients[i].join_ms));
     }
-    // The node's own traffic: the bridge is its source and its own id.
-    add_entry(node_mac().data(), node_mac().data(), host_->if_nametoindex(bridge_name_.c_str()), default_dst());
+    own_pending_ = model_.own_entry;
+    learn_own_entry(true);
 }
 
 void SimClients::on_member_timer(LoopTimer* t) {
@@ -72,7 +76,7 @@ void SimClients::join(Member* m) {
     m->active = true;
     bridge_->add_fdb(bridge_name_, m->c.mac, m->c.port, false);
     uint32_t dst = m->c.path.empty() ? default_dst() : host_->if_nametoindex(m->c.path.c_str());
-    add_entry(m->c.mac, node_mac().data(), host_->if_nametoindex(m->c.port.c_str()), dst);
+    add_entry(m->c.mac, node_mac().data(), host_->if_nametoindex(m->c.port.c_str()), dst, true);
     if (m->c.leave_ms >= 0)
         loop_->timer_set(&m->timer, static_cast<int>(m->c.leave_ms - loop_->now_ms()));
     update_loads();
@@ -86,8 +90,21 @@ void SimClients::leave(Member* m) {
     update_loads();
 }
 
-// The entry is filed and, with a daemon registered for events, announced.
-void SimClients::add_entry(const uint8_t* mac, const uint8_t* id, uint32_t src, uint32_t dst) {
+// The node's own traffic: the bridge is its source and its own id. It is
+// learnt once it has somewhere to go.
+void SimClients::learn_own_entry(bool announce) {
+    if (!own_pending_)
+        return;
+    uint32_t dst = default_dst();
+    if (dst == 0)
+        return;
+    own_pending_ = false;
+    add_entry(node_mac().data(), node_mac().data(), host_->if_nametoindex(bridge_name_.c_str()), dst, announce);
+}
+
+// The entry is filed and, when asked and with a daemon registered for
+// events, announced; a bridge whose hc is off announces nothing.
+void SimClients::add_entry(const uint8_t* mac, const uint8_t* id, uint32_t src, uint32_t dst, bool announce) {
     SimBridgeState* br = bridge_->find(bridge_name_);
     if (br == nullptr || dst == 0 || find_entry(*br, mac) != nullptr)
         return;
@@ -97,27 +114,22 @@ void SimClients::add_entry(const uint8_t* mac, const uint8_t* id, uint32_t src, 
     e.src_port = src;
     e.dst_port = dst;
     br->hc.push_back(e);
-    if (br->event_pid == 0)
+    if (!announce || br->event_pid == 0 || !hc_on(*br))
         return;
     host_->queue_datagram(HYFI_EVENT_PROTOCOL, craft_bridge_message(kHcAddMessage, &e, sizeof e));
     (void)loop_->fd_ready(host_->nl_fd(HYFI_EVENT_PROTOCOL));
 }
 
-// The preferred port, or with none the first path port in port order.
+// The preferred port, or with none the first port in port order that the
+// daemon's configuration makes a path; 0 when there is neither.
 uint32_t SimClients::default_dst() {
     const SimBridgeState* br = bridge_->find(bridge_name_);
     if (br == nullptr)
         return 0;
     if (br->preferred != 0)
         return br->preferred;
-    for (const auto& p : br->ports) {
-        auto st = br->port_state.find(p);
-        if (st != br->port_state.end() && st->second.path == 1)
-            return host_->if_nametoindex(p.c_str());
-    }
-    // Not programmed yet: the first backhaul link stands in.
     for (const auto& p : br->ports)
-        if (wlan_->link(p) != nullptr)
+        if (std::find(model_.paths.begin(), model_.paths.end(), p) != model_.paths.end())
             return host_->if_nametoindex(p.c_str());
     return 0;
 }
@@ -178,17 +190,40 @@ void SimClients::hc_flushed(SimBridgeState& br) {
     if (br.name != bridge_name_)
         return;
     update_loads();
-    loop_->timer_set(&refill_.timer, kRelearnMs);
+    if (model_.refill && hc_on(br))
+        loop_->timer_set(&refill_.timer, kRelearnMs);
+}
+
+// The bridge's own traffic leaves by the preferred port.
+void SimClients::preferred_set(SimBridgeState& br) {
+    if (br.name != bridge_name_ || br.preferred == 0 || !hc_on(br))
+        return;
+    learn_own_entry(true);
+    if (hc_entry* own = find_entry(br, node_mac().data()))
+        own->dst_port = br.preferred;
 }
 
 void SimClients::refill() {
     SimBridgeState* br = bridge_->find(bridge_name_);
-    if (br == nullptr)
+    if (br == nullptr || !hc_on(*br))
         return;
-    add_entry(node_mac().data(), node_mac().data(), host_->if_nametoindex(bridge_name_.c_str()), default_dst());
+    bool say = model_.announce_refills;
+    own_pending_ = model_.own_entry;
+    learn_own_entry(say);
     for (const auto& m : members_)
         if (m.active)
-            add_entry(m.c.mac, node_mac().data(), host_->if_nametoindex(m.c.port.c_str()), default_dst());
+            add_entry(m.c.mac, node_mac().data(), host_->if_nametoindex(m.c.port.c_str()), default_dst(), say);
+    update_loads();
+}
+
+void SimClients::announced(const hc_entry& e) {
+    SimBridgeState* br = bridge_->find(bridge_name_);
+    if (br == nullptr)
+        return;
+    if (hc_entry* held = find_entry(*br, e.mac))
+        *held = e;
+    else
+        br->hc.push_back(e);
     update_loads();
 }
 

@@ -26,6 +26,16 @@ struct SimClient {
     int64_t leave_ms = -1;  // -1: stays
 };
 
+// What the bridge does on its own, each switched on as a real one does.
+struct SimHcModel {
+    bool own_entry = true;         // the node's own traffic has an entry
+    bool refill = true;            // a flushed table fills again
+    bool announce_refills = true;  // with a type-3 message per entry
+    // Path interfaces of the daemon's configuration: where a new entry goes
+    // while the bridge has no preferred port.
+    std::vector<std::string> paths;
+};
+
 // One change of a client's destination made by a write of the daemon.
 struct SimMove {
     int64_t at_ms;
@@ -41,7 +51,10 @@ public:
 
     // The clients belong to the first of the model's bridges, which also
     // gets the node's own entry. Arms the joins and leaves.
-    void start(const std::vector<SimClient>& clients);
+    void start(const std::vector<SimClient>& clients, const SimHcModel& model = SimHcModel{});
+    // An entry the scenario announced by a type-3 message: the bridge holds
+    // what it announces.
+    void announced(const hc_entry& e);
 
     // The interface an active client's entry points at; empty when none.
     std::string path_of(const uint8_t* mac) const;
@@ -50,6 +63,7 @@ public:
     void before_hc_read(SimBridgeState& br) override;
     void hc_written(SimBridgeState& br, const uint8_t* mac, uint32_t old_dst) override;
     void hc_flushed(SimBridgeState& br) override;
+    void preferred_set(SimBridgeState& br) override;
 
 private:
     struct Member {
@@ -67,7 +81,8 @@ private:
     void join(Member* m);
     void leave(Member* m);
     void refill();
-    void add_entry(const uint8_t* mac, const uint8_t* id, uint32_t src, uint32_t dst);
+    void learn_own_entry(bool announce);
+    void add_entry(const uint8_t* mac, const uint8_t* id, uint32_t src, uint32_t dst, bool announce);
     uint32_t default_dst();
     void update_loads();
     std::string name_of(uint32_t ifindex) const;
@@ -80,6 +95,8 @@ private:
     std::string bridge_name_;
     std::vector<Member> members_;  // sized once: the loop keeps pointers into it
     Refill refill_;
+    SimHcModel model_;
+    bool own_pending_ = false;  // the own entry waits for a destination
     int64_t last_read_ms_ = 0;
     std::vector<SimMove> moves_;
     std::vector<std::string> loaded_;  // paths given a load, to clear it later

@@ -89,6 +89,8 @@ void SimNode::play(const TimelineEntry& e) {
         (void)bus_.send(e.name, e.data);
         break;
     case TimelineKind::NETLINK:
+        if (hc_entry held{}; announced_hc_entry(e.data, &held))
+            clients_.announced(held);
         host_.queue_datagram(HYFI_EVENT_PROTOCOL, e.data);
         (void)loop_.fd_ready(host_.nl_fd(HYFI_EVENT_PROTOCOL));
         break;
@@ -233,7 +235,7 @@ RunOutcome SimNode::run(const std::string& argv0, const std::vector<std::string>
     arm_timeline();
     if (record_timeline_)
         recorder_.start(&loop_, sc_);
-    clients_.start(sc_.clients);
+    clients_.start(sc_.clients, sc_.hc_model);
     std::vector<std::string> args{argv0};
     args.insert(args.end(), sc_.args.begin(), sc_.args.end());
     args.insert(args.end(), extra.begin(), extra.end());

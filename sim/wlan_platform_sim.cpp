@@ -58,7 +58,8 @@ void SimWlan::frame_sent(const char* ifname, size_t len) {
     if (it == links_.end())
         return;
     catch_up(&it->second);
-    it->second.link.tx_bytes += len;
+    if (it->second.link.count_keepalive && !it->second.link.stalled)
+        it->second.link.tx_bytes += len;
 }
 
 void SimWlan::set_link(const std::string& ifname, const SimLink& link) {
@@ -69,7 +70,7 @@ void SimWlan::set_link(const std::string& ifname, const SimLink& link) {
 
 void SimWlan::catch_up(Counted* c) {
     int64_t now = loop_ != nullptr ? loop_->now_ms() : 0;
-    uint64_t ms = static_cast<uint64_t>(now - c->since_ms);
+    uint64_t ms = c->link.stalled ? 0 : static_cast<uint64_t>(now - c->since_ms);
     c->link.tx_bytes += (c->link.tx_mbps + c->client_mbps) * kBytesPerMbitSecond * ms / 1000;
     c->link.rx_bytes += c->link.rx_mbps * kBytesPerMbitSecond * ms / 1000;
     c->since_ms = now;

@@ -29,6 +29,8 @@ struct SimLink {
     uint64_t rx_bytes = 0;
     uint32_t tx_mbps = 0;  // load that grows the counters with time
     uint32_t rx_mbps = 0;
+    bool count_keepalive = true;  // keep-alive frames add to tx_bytes
+    bool stalled = false;         // the peer is gone but still listed: counters stand still
 };
 
 // A station associated with one of the node's access points.
@@ -61,7 +63,8 @@ public:
     int ioctl(unsigned long request, void* arg) override;
     bool tool(const std::string& cmdline, std::string* output, int* status) override;
     long file(const char* path, char* buf, size_t size) override;
-    // Keep-alive frames count as the link's traffic.
+    // Keep-alive frames count as the link's traffic, unless the link says
+    // otherwise or has stalled.
     void frame_sent(const char* ifname, size_t len) override;
 
 private:

@@ -2,10 +2,13 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <vector>
 
+#include "sim/netlink_craft.h"
 #include "sim/report.h"
 #include "sim/scenario.h"
 #include "sim/sim_node.h"
@@ -115,6 +118,75 @@ TEST(ScenarioParse, NetlinkEntriesBecomeDatagrams) {
     EXPECT_EQ(static_cast<char>(200), sc.timeline[1].data[0]);
     EXPECT_EQ("\xaa\xbb", sc.timeline[1].data.substr(16));
     EXPECT_EQ(std::string("\x01\x02"), sc.timeline[2].data);
+}
+
+TEST(ScenarioParse, TheBridgesOwnDoingsAndTheConfiguredPaths) {
+    Scenario sc;
+    std::string error;
+    ASSERT_TRUE(parse(R"({"config": {"interfaces": {"eth1": {"path": false}, "ath12": {"path": true},
+                                                    "ath02": {"path": 1}, "ath1": {}}},
+        "node": {"hc_table": {"own_entry": false, "announce_refills": false}}})",
+                      &sc, &error))
+        << error;
+    EXPECT_FALSE(sc.hc_model.own_entry);
+    EXPECT_TRUE(sc.hc_model.refill);
+    EXPECT_FALSE(sc.hc_model.announce_refills);
+    EXPECT_EQ((std::vector<std::string>{"ath12", "ath02"}), sc.hc_model.paths);
+    // The file the daemon reads wins over "config".
+    ASSERT_TRUE(parse(R"({"config": {"interfaces": {"ath12": {"path": true}}},
+        "node": {"files": {"/etc/lynd.json": "{\"interfaces\": {\"eth1\": {\"path\": true}}}"}}})",
+                      &sc, &error))
+        << error;
+    EXPECT_EQ(std::vector<std::string>{"eth1"}, sc.hc_model.paths);
+    EXPECT_FALSE(parse(R"({"node": {"hc_table": {"refil": false}}})", &sc, &error));
+    EXPECT_NE(std::string::npos, error.find("unknown key \"refil\"")) << error;
+    EXPECT_FALSE(parse(R"({"links": {"ath12": {"stalled": 1}}})", &sc, &error));
+}
+
+TEST(NetlinkCraft, AnAnnouncedEntryIsReadOnlyFromAWholeTypeThreeMessage) {
+    hc_entry e{};
+    e.mac[5] = 0xb1;
+    e.dst_port = 12;
+    hc_entry got{};
+    ASSERT_TRUE(lynd::announced_hc_entry(lynd::craft_bridge_message(3, &e, sizeof e), &got));
+    EXPECT_EQ(0xb1, got.mac[5]);
+    EXPECT_EQ(12u, got.dst_port);
+    EXPECT_FALSE(lynd::announced_hc_entry(lynd::craft_bridge_message(4, &e, sizeof e), &got));
+    EXPECT_FALSE(lynd::announced_hc_entry(lynd::craft_bridge_message(3, &e, sizeof e - 1), &got));
+    hc_entry zero{};
+    EXPECT_FALSE(lynd::announced_hc_entry(lynd::craft_bridge_message(3, &zero, sizeof zero), &got));
+    std::string lying = lynd::craft_bridge_message(3, &e, sizeof e);
+    uint32_t len = static_cast<uint32_t>(lying.size() + 1);
+    std::memcpy(&lying[0], &len, sizeof len);
+    EXPECT_FALSE(lynd::announced_hc_entry(lying, &got));
+    EXPECT_FALSE(lynd::announced_hc_entry(std::string(8, '\0'), &got));
+}
+
+// A client the timeline announces is one the bridge holds.
+TEST(SimNodeRun, ATimelineAnnouncementFillsTheTable) {
+    hc_entry e{};
+    const uint8_t mac[6] = {0x02, 0, 0, 0, 0x0b, 0x01};
+    std::memcpy(e.mac, mac, 6);
+    std::memcpy(e.id, mac, 6);
+    e.dst_port = 12;
+    std::string hex;
+    for (size_t i = 0; i < sizeof e; i++) {
+        char two[3];
+        std::snprintf(two, sizeof two, "%02x", reinterpret_cast<const uint8_t*>(&e)[i]);
+        hex += two;
+    }
+    Scenario sc;
+    std::string error;
+    ASSERT_TRUE(parse(R"({"duration": 20, "config": {"enable": true},
+        "node": {"interfaces": [{"name": "ath12", "ifindex": 12}], "bridges": [{"name": "br-lan", "ports": ["ath12"]}]},
+        "timeline": [{"at": 5, "netlink": {"type": 3, "body_hex": ")" + hex + R"("}}]})",
+                      &sc, &error))
+        << error;
+    const lynd::Seams saved = lynd::installed_seams();
+    lynd::SimNode node(sc);
+    node.run("lynd", {});
+    lynd::install_seams(saved);
+    EXPECT_EQ("ath12", node.clients().path_of(mac));
 }
 
 // Expectations must be able to fail, or a scenario proves nothing.

@@ -1,5 +1,6 @@
 // The simulated node closes the loop: what the daemon writes into the hc
-// table moves the clients' traffic, and the bridge refills what it flushes.
+// table moves the clients' traffic, and the bridge refills what it flushes,
+// each behaviour of its own only as far as the scenario lets it.
 #include <cstring>
 #include <string>
 
@@ -34,6 +35,7 @@ protected:
         phone.mbps = 100;
         phone.join_ms = 5000;
         phone.leave_ms = 50000;
+        model.paths = {"ath12", "ath02"};
     }
     const hc_entry* entry(uint8_t last) {
         for (const auto& e : bridge.find("br-lan")->hc)
@@ -42,17 +44,41 @@ protected:
         return nullptr;
     }
     uint64_t tx_bytes(const char* link) { return wlan.link(link)->tx_bytes; }
+    // Type-3 messages waiting on fd, each checked for its size.
+    int announcements(int fd) {
+        int n = 0;
+        char buf[256];
+        for (long len; (len = host.nl_recv(fd, buf, sizeof buf)) > 0; n++) {
+            EXPECT_EQ(16 + HC_ENTRY_SIZE, len);
+            EXPECT_EQ(3, buf[4]);
+        }
+        return n;
+    }
+    // Registered for events, with the phone on the table and its message read.
+    int joined_and_heard() {
+        int fd = host.nl_socket(HYFI_EVENT_PROTOCOL);
+        EXPECT_EQ(0, bridge.bridgeSetEventInfo("br-lan", 4242, 3, 25));
+        clients.start({phone}, model);
+        loop.advance(10000);
+        (void)announcements(fd);
+        return fd;
+    }
+    void flush_and_wait() {
+        ASSERT_EQ(0, bridge.bridgeSetHcPreferredAndFlushHCTable("br-lan", 12));
+        loop.advance(2000);
+    }
 
     lynd::SimWlan wlan{&host, &loop};
     lynd::SimClients clients{&host, &bridge, &wlan, &loop};
     lynd::SimClient phone;
+    lynd::SimHcModel model;
 };
 
 TEST_F(SimClientsTest, AJoinedClientRidesTheFirstPathAndMovesWithAWrite) {
-    clients.start({phone});
+    clients.start({phone}, model);
     ASSERT_NE(nullptr, entry(0x01));  // the node's own entry: the bridge is its source
     EXPECT_EQ(1u, entry(0x01)->src_port);
-    EXPECT_EQ(2u, entry(0x01)->dst_port);
+    EXPECT_EQ(2u, entry(0x01)->dst_port);  // the first configured path in port order
     EXPECT_EQ(nullptr, entry(0xa1));
     loop.advance(10000);
     ASSERT_NE(nullptr, entry(0xa1));
@@ -74,7 +100,7 @@ TEST_F(SimClientsTest, AJoinedClientRidesTheFirstPathAndMovesWithAWrite) {
 }
 
 TEST_F(SimClientsTest, TableReadsCountBytesSinceTheLastRead) {
-    clients.start({phone});
+    clients.start({phone}, model);
     loop.advance(8000);
     int count = LYND_MAX_CLIENTS;
     hc_entry table[LYND_MAX_CLIENTS];
@@ -92,7 +118,7 @@ TEST_F(SimClientsTest, TableReadsCountBytesSinceTheLastRead) {
 TEST_F(SimClientsTest, AFlushedTableRefillsTowardsThePreferredPortAndIsAnnounced) {
     int fd = host.nl_socket(HYFI_EVENT_PROTOCOL);
     ASSERT_EQ(0, bridge.bridgeSetEventInfo("br-lan", 4242, 3, 25));
-    clients.start({phone});
+    clients.start({phone}, model);
     loop.advance(10000);
     ASSERT_EQ(0, bridge.bridgeSetHcPreferredAndFlushHCTable("br-lan", 12));
     EXPECT_TRUE(bridge.find("br-lan")->hc.empty());
@@ -102,13 +128,78 @@ TEST_F(SimClientsTest, AFlushedTableRefillsTowardsThePreferredPortAndIsAnnounced
     EXPECT_EQ(12u, entry(0x01)->dst_port);
     // Each entry the bridge learnt went out as a type-3 message: the node's
     // own and the join, then both again at the refill.
-    int announced = 0;
-    char buf[256];
-    for (long n; (n = host.nl_recv(fd, buf, sizeof buf)) > 0; announced++) {
-        ASSERT_EQ(16 + HC_ENTRY_SIZE, n);
-        EXPECT_EQ(3, buf[4]);
-    }
-    EXPECT_EQ(4, announced);
+    EXPECT_EQ(4, announcements(fd));
+}
+
+TEST_F(SimClientsTest, TheOwnEntryWaitsForAPathThenFollowsThePreferredPort) {
+    model.paths.clear();
+    clients.start({}, model);
+    EXPECT_EQ(nullptr, entry(0x01));  // nowhere to go yet
+    ASSERT_EQ(0, bridge.bridgeSetHcPreferred("br-lan", 12));
+    ASSERT_NE(nullptr, entry(0x01));
+    EXPECT_EQ(12u, entry(0x01)->dst_port);
+    ASSERT_EQ(0, bridge.bridgeSetHcPreferred("br-lan", 2));
+    EXPECT_EQ(2u, entry(0x01)->dst_port);
+    EXPECT_TRUE(clients.moves().empty());  // the bridge's doing, not a write of the daemon
+}
+
+TEST_F(SimClientsTest, SwitchedOffTheOwnEntryNeverAppears) {
+    model.own_entry = false;
+    clients.start({phone}, model);
+    EXPECT_EQ(nullptr, entry(0x01));
+    ASSERT_EQ(0, bridge.bridgeSetHcPreferred("br-lan", 12));
+    EXPECT_EQ(nullptr, entry(0x01));
+    loop.advance(10000);
+    flush_and_wait();
+    EXPECT_NE(nullptr, entry(0xa1));  // the refill still brings the client back
+    EXPECT_EQ(nullptr, entry(0x01));
+}
+
+TEST_F(SimClientsTest, SwitchedOffRefillsLeaveAFlushedTableEmpty) {
+    model.refill = false;
+    clients.start({phone}, model);
+    loop.advance(10000);
+    flush_and_wait();
+    EXPECT_TRUE(bridge.find("br-lan")->hc.empty());
+    loop.advance(1000);
+    EXPECT_EQ(0u, tx_bytes("ath12"));  // with no entry the phone's load rides nowhere
+}
+
+TEST_F(SimClientsTest, SwitchedOffAnnouncementsRefillQuietly) {
+    model.announce_refills = false;
+    int fd = joined_and_heard();
+    flush_and_wait();
+    EXPECT_NE(nullptr, entry(0xa1));
+    EXPECT_NE(nullptr, entry(0x01));
+    EXPECT_EQ(0, announcements(fd));
+}
+
+TEST_F(SimClientsTest, ABridgeWithHcOffNeitherRefillsNorAnnounces) {
+    int fd = host.nl_socket(HYFI_EVENT_PROTOCOL);
+    ASSERT_EQ(0, bridge.bridgeSetEventInfo("br-lan", 4242, 3, 25));
+    ASSERT_EQ(0, bridge.bridgeSetHcEnable("br-lan", 0));
+    clients.start({phone}, model);
+    loop.advance(10000);
+    ASSERT_NE(nullptr, entry(0xa1));  // filed, so its traffic still has a path
+    EXPECT_EQ(0, announcements(fd));
+    flush_and_wait();
+    EXPECT_TRUE(bridge.find("br-lan")->hc.empty());
+    EXPECT_EQ(0, announcements(fd));
+}
+
+TEST_F(SimClientsTest, AnAnnouncedEntryIsHeldAndReplacesTheOldOne) {
+    clients.start({}, model);
+    hc_entry e{};
+    e.mac[5] = 0xb1;
+    e.dst_port = 12;
+    e.src_port = 21;
+    clients.announced(e);
+    ASSERT_NE(nullptr, entry(0xb1));
+    EXPECT_EQ(12u, entry(0xb1)->dst_port);
+    e.dst_port = 2;
+    clients.announced(e);
+    EXPECT_EQ(2u, entry(0xb1)->dst_port);
+    EXPECT_EQ(2u, bridge.find("br-lan")->hc.size());  // with the node's own
 }
 
 }  // namespace

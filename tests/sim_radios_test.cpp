@@ -1,6 +1,7 @@
 #include <string>
 
 #include "sim/scenario.h"
+#include "sim/sim_loop.h"
 #include "sim/sim_node.h"
 #include "sim/wlan_platform_sim.h"
 #include "scenario_text.h"
@@ -15,7 +16,7 @@ TEST(ScenarioRadios, LinksStationsCpuAndMesh) {
     std::string error;
     ASSERT_TRUE(parse(R"({"duration": 120,
         "links": {"ath12": {"up": false, "peer": "02:00:00:00:09:12", "txrate": 866, "rssi": -62, "util": 20,
-                            "tx_mbps": 8}},
+                            "tx_mbps": 8, "stalled": true, "count_keepalive": false}},
         "stations": {"ath1": [{"mac": "02:00:00:00:0a:01", "txrate": 400, "idle": 7}]},
         "node": {"cpu": [{"at": 0, "percent": 10}, {"at": 60, "percent": 90}],
                  "mesh": {"controller": "02:00:00:00:00:aa", "eth_bh_if": "eth1"},
@@ -28,6 +29,8 @@ TEST(ScenarioRadios, LinksStationsCpuAndMesh) {
     EXPECT_EQ(0x12, l.peer[5]);
     EXPECT_EQ(866, l.txrate);
     EXPECT_EQ(-95, l.noise);  // untouched fields keep their defaults
+    EXPECT_TRUE(l.stalled);
+    EXPECT_FALSE(l.count_keepalive);
     ASSERT_EQ(1u, sc.stations["ath1"].size());
     EXPECT_EQ(7, sc.stations["ath1"][0].idle);
     ASSERT_EQ(2u, sc.cpu.size());
@@ -57,6 +60,45 @@ TEST(SimNodeRadios, TimelineChangesALinkAndKeepsItsCounters) {
     EXPECT_EQ(10u * 8u * 125000u, l->rx_bytes);  // no growth once the load stopped
     ASSERT_NE(nullptr, node.wlan().link("ath22"));
     EXPECT_FALSE(node.wlan().link("ath22")->up);
+}
+
+// Keep-alive frames count per link as the scenario says.
+TEST(SimWlanCounters, KeepAliveFramesCountUnlessTheLinkSaysNot) {
+    lynd::SimLoop loop;
+    lynd::SimWlan wlan(nullptr, &loop);
+    lynd::SimLink quiet;
+    wlan.set_link("ath02", quiet);
+    quiet.count_keepalive = false;
+    wlan.set_link("ath12", quiet);
+    wlan.frame_sent("ath02", 1000);
+    wlan.frame_sent("ath12", 1000);
+    EXPECT_EQ(1000u, wlan.link("ath02")->tx_bytes);
+    EXPECT_EQ(0u, wlan.link("ath12")->tx_bytes);
+}
+
+TEST(SimWlanCounters, AStalledLinkStandsStillWhateverIsSentAndResumesWithoutAJump) {
+    lynd::SimLoop loop;
+    lynd::SimWlan wlan(nullptr, &loop);
+    lynd::SimLink l;
+    l.tx_mbps = 8;
+    l.rx_mbps = 8;
+    wlan.set_link("ath12", l);
+    wlan.set_client_load("ath12", 8);
+    loop.advance(10000);
+    const uint64_t tx = 10u * 16u * 125000u, rx = 10u * 8u * 125000u;
+    ASSERT_EQ(tx, wlan.link("ath12")->tx_bytes);
+    l = *wlan.link("ath12");
+    l.stalled = true;
+    wlan.set_link("ath12", l);
+    loop.advance(10000);
+    wlan.frame_sent("ath12", 1000);
+    EXPECT_EQ(tx, wlan.link("ath12")->tx_bytes);
+    EXPECT_EQ(rx, wlan.link("ath12")->rx_bytes);
+    l = *wlan.link("ath12");
+    l.stalled = false;
+    wlan.set_link("ath12", l);
+    loop.advance(1000);
+    EXPECT_EQ(rx + 8u * 125000u, wlan.link("ath12")->rx_bytes);  // a second's worth, not eleven
 }
 
 }  // namespace
