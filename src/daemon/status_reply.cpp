@@ -69,6 +69,9 @@ void status_reply_status(const status_context& ctx, BusReply& r) {
     for (uint64_t i = 0; i < conf->n_bridges && i < LYND_MAX_BRIDGES; i++)
         put_bridge(r, conf->bridges[i], static_cast<int>(i));
     r.close();
+    r.open_table("counters");
+    status_put_counters(r);
+    r.close();
 }
 
 int64_t status_uptime_s(const status_context& ctx, int64_t at_ms) { return (at_ms - ctx.started_ms) / 1000; }
@@ -83,7 +86,7 @@ void status_reply_decisions(const status_context& ctx, BusReply& r) {
         r.put_int("seq", d->seq);
         r.put_int("uptime", status_uptime_s(ctx, d->at_ms));
         r.put_int("time", wall - (now_ms - d->at_ms) / 1000);
-        r.put_string("kind", decision_kind_names[d->kind < 4 ? d->kind : 0]);
+        r.put_string("kind", decision_kind_names[d->kind < DECISION_KINDS ? d->kind : 0]);
         r.put_string("subject", d->subject);
         r.put_string("from", d->from);
         r.put_string("to", d->to);
