@@ -43,6 +43,14 @@ protected:
         return n;
     }
     conf_flap_guard& guard() { return conf.param.flap_guard; }
+    // Steered towards `to` and held on `stays` by rule, for left_ms more.
+    void expect_held(uint8_t to, uint8_t stays, uint8_t rule, int64_t left_ms) {
+        steer_to(to);
+        EXPECT_TRUE(on(c, stays));
+        EXPECT_EQ(OUTCOME_FLAP_HELD, explain_of(c).outcome);
+        EXPECT_EQ(rule, explain_of(c).guard_rule);
+        EXPECT_EQ(left_ms, explain_of(c).guard_left_ms);
+    }
 
     hc_client* c = nullptr;
 };
@@ -51,12 +59,7 @@ TEST_F(FlapGuardTest, MinimumDwellHoldsTheMoveAndListsItOnce) {
     guard().min_dwell_ms = 5 * kMin;
     moved(IF_TYPE_5G, IF_TYPE_2G);
     loop.advance(2 * kMin);
-    steer_to(IF_TYPE_5G);
-    EXPECT_TRUE(on(c, IF_TYPE_2G));
-    const client_explain& e = explain_of(c);
-    EXPECT_EQ(OUTCOME_FLAP_HELD, e.outcome);
-    EXPECT_EQ(GUARD_DWELL, e.guard_rule);
-    EXPECT_EQ(3 * kMin, e.guard_left_ms);
+    expect_held(IF_TYPE_5G, IF_TYPE_2G, GUARD_DWELL, 3 * kMin);
     steer_to(IF_TYPE_5G);  // still held: not listed again
     ASSERT_EQ(1, held_decisions());
     const decision* d = decision_at(decision_count() - 1);
@@ -76,14 +79,10 @@ TEST_F(FlapGuardTest, GoingBackWithinTheWindowKeepsTheClientOnTheBetterOfTheTwo)
     guard().return_hold_ms = 20 * kMin;
     moved(IF_TYPE_5G, IF_TYPE_2G);
     loop.advance(kMin);
-    steer_to(IF_TYPE_5G);  // both NORMAL, no better figure: it stays where it is
-    EXPECT_TRUE(on(c, IF_TYPE_2G));
-    EXPECT_EQ(GUARD_RETURN, explain_of(c).guard_rule);
-    EXPECT_EQ(20 * kMin, explain_of(c).guard_left_ms);
+    // Both NORMAL, no better figure: it stays where it is.
+    expect_held(IF_TYPE_5G, IF_TYPE_2G, GUARD_RETURN, 20 * kMin);
     loop.advance(19 * kMin);
-    steer_to(IF_TYPE_5G);
-    EXPECT_TRUE(on(c, IF_TYPE_2G));
-    EXPECT_EQ(kMin, explain_of(c).guard_left_ms);
+    expect_held(IF_TYPE_5G, IF_TYPE_2G, GUARD_RETURN, kMin);
     loop.advance(kMin);
     steer_to(IF_TYPE_5G);  // the hold is over and the window long past
     EXPECT_TRUE(on(c, IF_TYPE_5G));
@@ -99,10 +98,7 @@ TEST_F(FlapGuardTest, GoingBackToAStrictlyBetterPathIsMadeAndThenHeldThere) {
     EXPECT_TRUE(on(c, IF_TYPE_5G));
     hc_paths[IF_TYPE_2G].state = PATH_NORMAL;
     loop.advance(kMin);
-    steer_to(IF_TYPE_2G);
-    EXPECT_TRUE(on(c, IF_TYPE_5G));
-    EXPECT_EQ(GUARD_RETURN, explain_of(c).guard_rule);
-    EXPECT_EQ(19 * kMin, explain_of(c).guard_left_ms);
+    expect_held(IF_TYPE_2G, IF_TYPE_5G, GUARD_RETURN, 19 * kMin);
 }
 
 TEST_F(FlapGuardTest, TheHourlyBudgetHoldsUntilTheOldestMoveIsAnHourOld) {
@@ -113,10 +109,7 @@ TEST_F(FlapGuardTest, TheHourlyBudgetHoldsUntilTheOldestMoveIsAnHourOld) {
     loop.advance(10 * kMin);
     moved(IF_TYPE_5G, IF_TYPE_2G);
     loop.advance(10 * kMin);
-    steer_to(IF_TYPE_5G);
-    EXPECT_TRUE(on(c, IF_TYPE_2G));
-    EXPECT_EQ(GUARD_BUDGET, explain_of(c).guard_rule);
-    EXPECT_EQ(30 * kMin, explain_of(c).guard_left_ms);
+    expect_held(IF_TYPE_5G, IF_TYPE_2G, GUARD_BUDGET, 30 * kMin);
     loop.advance(30 * kMin);
     steer_to(IF_TYPE_5G);
     EXPECT_TRUE(on(c, IF_TYPE_5G));
