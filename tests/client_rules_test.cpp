@@ -28,6 +28,10 @@ protected:
         conf.clients = parsed.clients;
         conf.param.flap_guard = parsed.param.flap_guard;
     }
+    const conf_client_rule* rule(uint8_t last) {
+        uint8_t mac[6] = {0x10, 0, 0, 0, 0, last};
+        return conf_client_rule_find(conf.clients, mac);
+    }
     void steer(hc_client* c, uint8_t best) {
         c->flags = HC_FLAG_ASSOC_NEWLY;
         c->best_path = best;
@@ -56,10 +60,22 @@ TEST_F(ClientRulesTest, TheFileNamesEachBadMemberAndKeepsTheGoodOnes) {
     EXPECT_TRUE(host.logged("] clients[5] is both pinned and excluded: excluded"));
     EXPECT_TRUE(host.logged("] clients[6].mac is missing"));
     ASSERT_EQ(3u, conf.clients.n);
-    EXPECT_EQ(IF_TYPE_5G, conf.clients.rules[0].pin);
-    EXPECT_TRUE(conf.clients.rules[1].exclude);
-    EXPECT_TRUE(conf.clients.rules[2].exclude);
-    EXPECT_EQ(IF_TYPE_MAX, conf.clients.rules[2].pin);
+    EXPECT_EQ(IF_TYPE_5G, rule(1)->pin);
+    EXPECT_TRUE(rule(2)->exclude);
+    EXPECT_TRUE(rule(4)->exclude);
+    EXPECT_EQ(IF_TYPE_MAX, rule(4)->pin);
+    EXPECT_EQ(nullptr, rule(3));
+}
+
+TEST_F(ClientRulesTest, RulesAreFoundWhateverTheirOrderInTheFile) {
+    std::string list;
+    for (int i = 40; i > 0; i -= 3)
+        list += (list.empty() ? "" : ", ") + std::string(R"({"mac": ")") + mac_of(static_cast<uint8_t>(i)) +
+                R"(", "exclude": true})";
+    load(R"({"clients": [)" + list + "]}");
+    ASSERT_EQ(14u, conf.clients.n);
+    for (int i = 0; i <= 41; i++)
+        EXPECT_EQ(i % 3 == 1, rule(static_cast<uint8_t>(i)) != nullptr) << i;
 }
 
 TEST_F(ClientRulesTest, WithoutTheKeysNothingIsPinnedOrExcluded) {

@@ -100,7 +100,7 @@ local function scrape()
   metric("lynd_up", "gauge", nil, status and 1 or 0)
   if status then
     scrape_paths(conn:call("lynd", "paths", {}))
-    scrape_counters(status.counters)
+    scrape_counters(conn:call("lynd", "counters", {}))
   end
   conn:close()
 end

@@ -31,7 +31,7 @@ struct conf_client_rule {
 
 struct conf_client_rules {
     uint32_t n;
-    conf_client_rule rules[LYND_MAX_CLIENT_RULES];
+    conf_client_rule rules[LYND_MAX_CLIENT_RULES];  // by MAC, ascending
 };
 
 // The rule for a client, or null.

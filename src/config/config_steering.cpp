@@ -69,6 +69,14 @@ bool load_rule(conf_client_rule* r, json_object* item, uint32_t k) {
     return r->exclude || r->pin != IF_TYPE_MAX;
 }
 
+// Kept in MAC order: every period looks every client up.
+void insert_sorted(conf_client_rules* out, const conf_client_rule& r) {
+    uint32_t i = out->n++;
+    for (; i > 0 && std::memcmp(out->rules[i - 1].mac, r.mac, LYND_MAC_LEN) > 0; i--)
+        out->rules[i] = out->rules[i - 1];
+    out->rules[i] = r;
+}
+
 }  // namespace
 
 uint8_t config_pin_type(const char* name) {
@@ -123,13 +131,21 @@ void config_load_clients(conf_client_rules* out, json_object* root) {
             LYND_WARN("clients[%u] repeats a MAC, entry ignored", static_cast<uint32_t>(k));
             continue;
         }
-        out->rules[out->n++] = r;
+        insert_sorted(out, r);
     }
 }
 
 const conf_client_rule* conf_client_rule_find(const conf_client_rules& r, const uint8_t* mac) {
-    for (uint32_t i = 0; i < r.n && i < LYND_MAX_CLIENT_RULES; i++)
-        if (std::memcmp(r.rules[i].mac, mac, LYND_MAC_LEN) == 0)
-            return &r.rules[i];
+    uint32_t lo = 0, hi = r.n < LYND_MAX_CLIENT_RULES ? r.n : LYND_MAX_CLIENT_RULES;
+    while (lo < hi) {
+        uint32_t mid = lo + (hi - lo) / 2;
+        int c = std::memcmp(r.rules[mid].mac, mac, LYND_MAC_LEN);
+        if (c == 0)
+            return &r.rules[mid];
+        if (c < 0)
+            lo = mid + 1;
+        else
+            hi = mid;
+    }
     return nullptr;
 }

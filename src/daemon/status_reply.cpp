@@ -69,9 +69,6 @@ void status_reply_status(const status_context& ctx, BusReply& r) {
     for (uint64_t i = 0; i < conf->n_bridges && i < LYND_MAX_BRIDGES; i++)
         put_bridge(r, conf->bridges[i], static_cast<int>(i));
     r.close();
-    r.open_table("counters");
-    status_put_counters(r);
-    r.close();
 }
 
 int64_t status_uptime_s(const status_context& ctx, int64_t at_ms) { return (at_ms - ctx.started_ms) / 1000; }

@@ -122,7 +122,8 @@ for _, p in ipairs(replies.paths and replies.paths.paths or {}) do
   s = find("lynd_path_rate_mbps", "path", p.name)
   check(s ~= nil and s.value == p.rate, "lynd_path_rate_mbps of " .. p.name)
 end
-local c = replies.status and replies.status.counters or {}
+check(replies.counters ~= nil, "the recording holds a counters reply")
+local c = replies.counters or {}
 for reason, n in pairs(c.moves_by_reason or {}) do
   local s = find("lynd_moves_total", "reason", reason)
   check(s ~= nil and s.value == n, "lynd_moves_total of " .. reason)

@@ -23,7 +23,7 @@ void wait_for(guard_verdict* v, uint8_t rule, int64_t left_ms) {
 }
 
 uint64_t quality_of(const client_explain& e, uint8_t slot) {
-    for (int k = 0; k < e.n && k < IF_TYPE_MAX; k++)
+    for (int k = 0; k < e.n && k < static_cast<int>(IF_TYPE_MAX); k++)
         if (e.cand[k].slot == slot)
             return e.cand[k].q;
     return 0;
