@@ -4,7 +4,9 @@
 #include <benchmark/benchmark.h>
 
 #include <cstring>
+#include <cstdio>
 #include <string>
+#include <vector>
 
 #include "bench/alloc_counter.h"
 #include "bench/quiet_seams.h"
@@ -20,13 +22,30 @@ namespace {
 constexpr int kClients = 255;  // and the node's own entry
 const char* const kConfig = R"({"enable": true,
     "bridges": {"br-lan": {"loop_avoidance": true, "path_selection": true, "hc_enable": true}},
-    "param": {"period": 10, "short_period": 2, "wlan_enable": true},
+    "param": {"period": 10, "short_period": 2, "wlan_enable": true%s},
     "interfaces": {"eth1": {"type": "ethernet", "path": true, "nonrelay": true},
         "ath02": {"type": "2.4g", "path": true, "nonrelay": true},
         "ath12": {"type": "5g", "path": true, "nonrelay": true},
         "ath13": {"type": "5g_2", "path": true, "nonrelay": true},
         "ath22": {"type": "6g", "path": true, "nonrelay": true},
-        "ath0": {"type": "2.4g"}, "ath1": {"type": "5g"}, "ath2": {"type": "6g"}}})";
+        "ath0": {"type": "2.4g"}, "ath1": {"type": "5g"}, "ath2": {"type": "6g"}}%s})";
+// Every steering limit on, and a full list of client rules to look up.
+const char* const kGuard = R"(, "flap_guard": {"min_dwell": 120, "return_window": 300, "return_hold": 900,
+    "moves_per_hour": 4, "preferred_return": 300})";
+
+std::string config_text(bool guarded) {
+    std::string rules;
+    for (int i = 0; guarded && i < LYND_MAX_CLIENT_RULES; i++) {
+        char r[80];
+        std::snprintf(r, sizeof r, R"(%s{"mac": "10:00:00:00:%02x:%02x", %s})", i == 0 ? "" : ", ", (i * 4) >> 8,
+                      (i * 4) & 0xff, i % 2 ? R"("pin": "5g")" : R"("exclude": true)");
+        rules += r;
+    }
+    std::string clients = guarded ? R"(, "clients": [)" + rules + "]" : "";
+    std::vector<char> text(std::strlen(kConfig) + std::strlen(kGuard) + clients.size() + 1);
+    std::snprintf(text.data(), text.size(), kConfig, guarded ? kGuard : "", clients.c_str());
+    return text.data();
+}
 
 struct PsNode {
     SimSeams sim;
@@ -35,7 +54,7 @@ struct PsNode {
     QuietBridge bridge;
     lynd_config conf{};
 
-    PsNode() {
+    explicit PsNode(bool guarded = false) {
         lynd::install_seams({&sim.loop, &host, &uci, &bridge, &sim.bus});
         g_lynd_dgb_lvl = LYND_LVL_ERR;
         sim.uci.set("sysmode.sysmode.mode", "repeater");
@@ -47,7 +66,8 @@ struct PsNode {
             if (i.second != 2)
                 bridge.ports.push_back(i.second);
         }
-        (void)config_parse(&conf, kConfig, std::strlen(kConfig));
+        std::string text = config_text(guarded);
+        (void)config_parse(&conf, text.data(), text.size());
         for (const char* l : {"ath02", "ath12", "ath13", "ath22"}) {
             lynd::SimLink link;
             link.txrate = 400;
@@ -135,5 +155,18 @@ void BM_PeriodRun(benchmark::State& state) {
     report(state, bench_allocations() - allocs, n.sim.host.runs().size() - runs, n);
 }
 BENCHMARK(BM_PeriodRun)->Iterations(200);
+
+// The same with the flap guard, the preferred-port guard and 64 client rules.
+void BM_GuardedPeriodRun(benchmark::State& state) {
+    static PsNode n(true);
+    size_t allocs = bench_allocations(), runs = n.sim.host.runs().size();
+    for (auto _ : state) {
+        n.sim.loop.advance(10000);
+        hc_paths[IF_TYPE_ETH].cur_txbytes += 1000;
+        path_selection_timer_period_hc(&n.conf);
+    }
+    report(state, bench_allocations() - allocs, n.sim.host.runs().size() - runs, n);
+}
+BENCHMARK(BM_GuardedPeriodRun)->Iterations(200);
 
 }  // namespace

@@ -92,4 +92,26 @@ TEST(BusRestart, TrafficSeparationIsReloadedOnceBack) {
     EXPECT_EQ("PP", v);
 }
 
+// The counters on the bus count the reconnect and the reload it brings, and
+// neither resets them.
+TEST(BusRestart, CountersCountTheReconnectAndSurviveItAndAReload) {
+    std::string v = verdicts(R"(
+        "timeline": [{"at": 3, "ubus": "lynd.link_state", "data": {"link_state": 0}},
+                     {"at": 5, "ubus": "lynd.traffic_separation", "data": {}},
+                     {"at": 8, "ubus_call": "lynd", "method": "counters", "data": {}},
+                     {"at": 10, "bus": "down"}, {"at": 12, "bus": "up"},
+                     {"at": 20, "ubus_call": "lynd", "method": "counters", "data": {}},
+                     {"at": 22, "netlink": {"raw_hex": "0102"}},
+                     {"at": 30, "ubus_call": "lynd", "method": "counters", "data": {}}],
+        "expect": [{"at": 8, "ubus_reply": "counters", "path": "bus_reconnects", "equals": 0},
+                   {"at": 8, "ubus_reply": "counters", "path": "events.ts", "equals": 1},
+                   {"at": 8, "ubus_reply": "counters", "path": "events.startup", "equals": 1},
+                   {"at": 21, "ubus_reply": "counters", "path": "bus_reconnects", "equals": 1},
+                   {"at": 21, "ubus_reply": "counters", "path": "events.ts", "equals": 2},
+                   {"at": 21, "ubus_reply": "counters", "path": "events.link_state", "equals": 1},
+                   {"at": 21, "ubus_reply": "counters", "path": "moves", "equals": 0},
+                   {"at": 31, "ubus_reply": "counters", "path": "malformed_datagrams", "equals": 1}])");
+    EXPECT_EQ("PPPPPPPP", v);
+}
+
 }  // namespace

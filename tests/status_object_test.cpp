@@ -107,7 +107,7 @@ TEST_F(StatusObjectTest, PathsAndClientsDescribeTheRecordsAsTheyStand) {
     hc_client* a = client(1, IF_TYPE_5G);
     a->hc.bytes = 64000000;
     client(2, IF_TYPE_2G);
-    client_log_move(*a, IF_TYPE_2G, IF_TYPE_5G, "better path");
+    client_log_move(*a, IF_TYPE_2G, IF_TYPE_5G, MOVE_BETTER_PATH);
 
     Reply paths(call("paths"));
     ASSERT_EQ(2u, paths.size("paths"));
@@ -328,11 +328,11 @@ TEST_F(StatusObjectTest, TheMoveTableDropsTheLongestUntouchedClientWhenFull) {
     for (int i = 0; i < HC_MAX_CLIENTS + 1; i++) {
         c.hc.mac[4] = static_cast<uint8_t>(i >> 8);
         c.hc.mac[5] = static_cast<uint8_t>(i);
-        client_log_move(c, IF_TYPE_2G, IF_TYPE_5G, "r");
+        client_log_move(c, IF_TYPE_2G, IF_TYPE_5G, MOVE_BETTER_PATH);
         if (i == 10) {  // the first client moves again and is kept
             c.hc.mac[4] = 0;
             c.hc.mac[5] = 0;
-            client_log_move(c, IF_TYPE_5G, IF_TYPE_2G, "back");
+            client_log_move(c, IF_TYPE_5G, IF_TYPE_2G, MOVE_BETTER_PATH);
         }
     }
     uint8_t first[6] = {0, 0, 0, 0, 0, 0};

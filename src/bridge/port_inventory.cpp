@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "config/config.h"
+#include "core/counters.h"
 #include "core/log.h"
 #include "core/wire.h"
 #include "platform/seams.h"
@@ -43,10 +44,13 @@ int lynd_check_active_bridge(const char* bridge_name) {
     auto* payload = static_cast<uint8_t*>(krel.bridgeAllocTableBuf(12, bridge_name));
     if (payload == nullptr) {
         LYND_ERR("bridgeAllocTableBuf");
+        g_counters.bridge_call_failures++;
         return 0;
     }
     int rc = krel.netlink_msg(0, payload - KREL_MSG_HEADER, 12, HYFI_NETLINK_PROTOCOL);
     krel.bridgeFreeTableBuf(payload);
+    if (rc != 0)
+        g_counters.bridge_call_failures++;
     return rc == 0 ? 1 : 0;
 }
 
@@ -55,11 +59,13 @@ int lynd_get_active_ports(lynd_config* conf, const char* bridge_name, conf_inter
     auto* payload = static_cast<uint8_t*>(krel.bridgeAllocTableBuf(PORT_QUERY_SIZE, bridge_name));
     if (payload == nullptr) {
         LYND_ERR("bridgeAllocTableBuf");
+        g_counters.bridge_call_failures++;
         return 0;
     }
     uint8_t* reply = payload - KREL_MSG_HEADER;
     if (krel.netlink_msg(256, reply, PORT_QUERY_SIZE, HYFI_NETLINK_PROTOCOL) != 0) {
         LYND_ERR("netlink_msg");
+        g_counters.bridge_call_failures++;
         krel.bridgeFreeTableBuf(payload);
         return 0;
     }

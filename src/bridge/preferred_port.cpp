@@ -1,5 +1,6 @@
 #include "bridge/hybrid_tables.h"
 #include "bridge/port_inventory.h"
+#include "core/counters.h"
 #include "core/log.h"
 #include "platform/seams.h"
 
@@ -16,6 +17,7 @@ int lynd_set_hc_preferred(conf_bridge* bridge, const char* ifname) {
     LYND_INFO("set preferred to %d", static_cast<int>(index));
     if (lynd::krel().bridgeSetHcPreferred(bridge->name, index) != 0) {
         LYND_ERR("bridgeSetHcPreferred");
+        g_counters.bridge_call_failures++;
         return 0;
     }
     bridge->preferred_ifindex = index;
@@ -27,6 +29,7 @@ int lynd_set_hc_preferred_and_flush_hc_table(conf_bridge* bridge, const char* if
     LYND_LOG("set preferred to %d and clear hc table", static_cast<int>(index));
     if (lynd::krel().bridgeSetHcPreferredAndFlushHCTable(bridge->name, index) != 0) {
         LYND_ERR("bridgeSetHcPreferredAndFlushHCTable");
+        g_counters.bridge_call_failures++;
         return 0;
     }
     bridge->preferred_ifindex = index;

@@ -1,4 +1,5 @@
 #include "bridge/hybrid_tables.h"
+#include "core/counters.h"
 #include "core/log.h"
 #include "platform/seams.h"
 
@@ -33,13 +34,16 @@ int lynd_get_hyfi_bridge_table(const char* bridge_name, int table_type, void** e
     void* buf = krel.bridgeAllocTableBuf(count * size, bridge_name);
     if (buf == nullptr) {
         LYND_ERR("alloac buffer error");
+        g_counters.bridge_call_failures++;
         return 0;
     }
     if (krel.bridgeTableAction(bridge_name, table_type, &count, buf, 0) != 0) {
         krel.bridgeFreeTableBuf(buf);
         // A larger table says how much room it needs: one more try with that.
-        if (count <= g_hyfi_tables.hyfi_table_capacity)
+        if (count <= g_hyfi_tables.hyfi_table_capacity) {
+            g_counters.bridge_call_failures++;
             return 0;
+        }
         if (count > kMaxTableEntries) {
             LYND_ERR("table of %d entries is over the limit of %d", count, kMaxTableEntries);
             return 0;
@@ -48,10 +52,12 @@ int lynd_get_hyfi_bridge_table(const char* bridge_name, int table_type, void** e
         buf = krel.bridgeAllocTableBuf(count * size, bridge_name);
         if (buf == nullptr) {
             LYND_ERR("realloac buffer error");
+            g_counters.bridge_call_failures++;
             return 0;
         }
         if (krel.bridgeTableAction(bridge_name, table_type, &count, buf, 0) != 0) {
             LYND_ERR("get table failed again");
+            g_counters.bridge_call_failures++;
             krel.bridgeFreeTableBuf(buf);
             return 0;
         }

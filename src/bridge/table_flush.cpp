@@ -1,5 +1,6 @@
 #include "bridge/hybrid_tables.h"
 #include "bridge/port_inventory.h"
+#include "core/counters.h"
 #include "core/log.h"
 #include "platform/seams.h"
 
@@ -11,12 +12,16 @@ void lynd_flush_hybr_table(lynd_config* conf, int kind) {
             continue;
         switch (kind) {
         case HYBR_TABLE_HC:
-            if (krel.bridgeFlushHCTable(br.name) != 0)
+            if (krel.bridgeFlushHCTable(br.name) != 0) {
                 LYND_ERR("bridgeFlushHCTable");
+                g_counters.bridge_call_failures++;
+            }
             break;
         case HYBR_TABLE_HIP:
-            if (krel.bridgeFlushHipTable(br.name) != 0)
+            if (krel.bridgeFlushHipTable(br.name) != 0) {
                 LYND_ERR("bridgeFlushHipTable");
+                g_counters.bridge_call_failures++;
+            }
             break;
         default:
             LYND_ERR("unknown enum_hybr_table_type: %d", kind);

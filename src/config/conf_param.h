@@ -2,6 +2,7 @@
 #pragma once
 #include <cstdint>
 
+#include "config/conf_steering.h"
 #include "core/types.h"
 
 struct conf_param {
@@ -32,6 +33,7 @@ struct conf_param {
     int32_t weaklink_threshold_rate[BAND_COUNT];
     int32_t weaklink_hold_threshold_rssi[BAND_COUNT];
     int32_t weaklink_hold_threshold_snr[BAND_COUNT];
+    conf_flap_guard flap_guard;  // all off unless the file sets them
 };
 
 inline int32_t abnormal_threshold_txrate(const conf_param& p, int band) {

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "config/config.h"
+#include "config/config_steering.h"
 #include "config/json_read.h"
 
 namespace {
@@ -106,4 +107,5 @@ void config_load_param(lynd_config* conf, json_object* p) {
     c.exchange_vid[2] = static_cast<uint32_t>(clamp_i32(ratio, 0, 4094));
     load_band_group(c, p);
     g_util_compensation = json_bool_or(p, "util_compensation", false);
+    config_load_flap_guard(&c.flap_guard, p);
 }

@@ -4,6 +4,7 @@
 #include "core/vlan_name.h"
 #include "config/config.h"
 #include "config/config_param.h"
+#include "config/config_steering.h"
 #include "config/json_read.h"
 #include "core/log.h"
 
@@ -157,6 +158,7 @@ config_parse_result config_parse(lynd_config* conf, const char* text, size_t len
         config_load_param(conf, param);
     if (json_object* interfaces = section(root, "interfaces"))
         rc = load_interfaces(conf, interfaces);
+    config_load_clients(&conf->clients, root);
     json_object_put(root);
     return rc;
 }

@@ -56,6 +56,7 @@ struct lynd_config {
     uint32_t pathsel_mode;
     uint32_t brconf_mode;
     conf_ts ts;
+    conf_client_rules clients;  // pinned and excluded clients
     event_hub ev;
     lynd_list modules;
 };

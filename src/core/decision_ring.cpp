@@ -6,7 +6,8 @@
 
 decision_ring g_decisions;
 
-const char* const decision_kind_names[4] = {"client", "path", "bcast_port", "preferred_port"};
+const char* const decision_kind_names[DECISION_KINDS] = {"client", "path", "bcast_port", "preferred_port",
+                                                         "client_held"};
 
 namespace {
 

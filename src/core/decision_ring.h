@@ -13,8 +13,10 @@ enum decision_kind : uint8_t {
     DECISION_PATH_STATE = 1,
     DECISION_BCAST_PORT = 2,
     DECISION_PREFERRED_PORT = 3,
+    DECISION_CLIENT_HELD = 4,  // a move the flap guard did not make
+    DECISION_KINDS = 5,
 };
-extern const char* const decision_kind_names[4];
+extern const char* const decision_kind_names[DECISION_KINDS];
 
 struct decision {
     int64_t at_ms;  // monotonic

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "core/counters.h"
 #include "core/log.h"
 #include "core/types.h"
 #include "platform/seams.h"
@@ -9,7 +10,7 @@
 int32_t lynd_exec_and_res(const char* const argv[], char* buf, int32_t size) {
     if (argv == nullptr || argv[0] == nullptr || buf == nullptr || size < 1)
         return -1;
-    return lynd::host().run_capture(argv, buf, static_cast<size_t>(size));
+    return lynd_count_tool_run(lynd::host().run_capture(argv, buf, static_cast<size_t>(size)));
 }
 
 bool lynd_uci_get_value(const char* path, char* value, size_t size) {

@@ -1,7 +1,9 @@
 #include <cstring>
 
 #include "daemon/status_replies.h"
+#include "modules/path_selection/client_rules.h"
 #include "modules/path_selection/explain_records.h"
+#include "modules/path_selection/flap_guard.h"
 #include "modules/path_selection/path_insight.h"
 
 using lynd::BusReply;
@@ -45,7 +47,11 @@ void put_damping(BusReply& r, const client_explain& e) {
 
 void put_outcome(BusReply& r, const client_explain& e, bool stale, int handle_count) {
     uint8_t outcome = stale ? static_cast<uint8_t>(OUTCOME_STALE) : e.outcome;
-    r.put_string("outcome", move_outcome_texts[outcome < 10 ? outcome : 0]);
+    r.put_string("outcome", move_outcome_texts[outcome < OUTCOME_COUNT ? outcome : 0]);
+    if (!stale && e.outcome == OUTCOME_FLAP_HELD) {
+        r.put_string("guard_rule", guard_rule_texts[e.guard_rule < 4 ? e.guard_rule : 0]);
+        r.put_int("held_seconds_left", (e.guard_left_ms + 999) / 1000);
+    }
     put_flags(r, {{"moved", !stale && e.outcome == OUTCOME_MOVED}, {"assoc_newly", e.assoc_newly}});
     put_ints(r, {{"count", e.count},
                  {"count_needed", e.count_needed},
@@ -55,23 +61,42 @@ void put_outcome(BusReply& r, const client_explain& e, bool stale, int handle_co
                  {"client_rate", e.rate_mbps}});
 }
 
-// A client in the pool that no run has rated yet.
-bool in_pool(const uint8_t* mac) {
+// The pool's record of a client, or null.
+const hc_client* pooled(const uint8_t* mac) {
     for (const hc_client& c : hc_entrys)
         if (c.path_node.next != nullptr && std::memcmp(c.hc.mac, mac, LYND_MAC_LEN) == 0)
-            return true;
-    return false;
+            return &c;
+    return nullptr;
+}
+
+// What the operator's client list says of it, when it says anything.
+void put_rule(BusReply& r, const hc_client* c) {
+    if (c == nullptr)
+        return;
+    if (client_excluded(*c)) {
+        r.put_string("rule", "excluded: path selection never moves or writes it");
+        return;
+    }
+    uint8_t pin = client_pin(*c);
+    if (pin == PATH_NONE)
+        return;
+    r.put_string("pinned_to", slot_name(pin));
+    r.put_string("rule", client_pinned_slot(*c) != PATH_NONE
+                             ? "pinned: moved only to its pinned path while that path is live"
+                             : "pinned, but its pinned path is not live: steered like any other");
 }
 
 }  // namespace
 
 int status_reply_explain_client(const status_context& ctx, const uint8_t* mac, BusReply& r) {
     const client_explain* e = explain_find(mac);
-    if (e == nullptr && !in_pool(mac))
+    const hc_client* c = pooled(mac);
+    if (e == nullptr && c == nullptr)
         return lynd::BUS_STATUS_NOT_FOUND;
     char text[LYND_MAC_TEXT_LEN];
     lynd_mac_text(mac, text);
     r.put_string("mac", text);
+    put_rule(r, c);
     if (e == nullptr) {
         r.put_string("outcome", move_outcome_texts[OUTCOME_NOT_RATED]);
         return lynd::BUS_STATUS_OK;

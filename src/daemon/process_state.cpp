@@ -3,6 +3,7 @@
 #include "bridge/controller.h"
 #include "bridge/host_stats.h"
 #include "bridge/hybrid_tables.h"
+#include "core/counters.h"
 #include "core/decision_ring.h"
 #include "core/log.h"
 #include "core/shadow.h"
@@ -24,4 +25,5 @@ void lynd_process_state_reset() {
     path_selection_state_reset();
     decision_ring_reset();
     lynd_shadow_reset();
+    lynd_counters_reset();
 }

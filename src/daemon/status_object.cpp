@@ -17,7 +17,7 @@ namespace {
 const lynd::bus_policy explain_args[] = {{"mac", BusType::STRING}, {"path", BusType::STRING}};
 const lynd::bus_policy shadow_args[] = {{"enable", lynd::BUS_TYPE_BOOL}};
 
-enum status_method { M_STATUS, M_PATHS, M_CLIENTS, M_EXPLAIN, M_DECISIONS, M_SHADOW, M_COUNT };
+enum status_method { M_STATUS, M_PATHS, M_CLIENTS, M_EXPLAIN, M_DECISIONS, M_SHADOW, M_COUNTERS, M_COUNT };
 
 const lynd::BusMethod methods[M_COUNT] = {
     {"status", nullptr, 0},
@@ -26,6 +26,7 @@ const lynd::BusMethod methods[M_COUNT] = {
     {"explain", explain_args, 2},
     {"decisions", nullptr, 0},
     {"shadow", shadow_args, 1},
+    {"counters", nullptr, 0},
 };
 
 status_context g_status;
@@ -81,6 +82,9 @@ int answer(void*, const char* method, const BusMessage& args, BusReply& r) {
         return lynd::BUS_STATUS_OK;
     case M_SHADOW:
         return shadow(args, r);
+    case M_COUNTERS:
+        status_put_counters(r);
+        return lynd::BUS_STATUS_OK;
     default:
         return lynd::BUS_STATUS_METHOD_NOT_FOUND;
     }

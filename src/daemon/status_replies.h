@@ -17,6 +17,8 @@ void status_reply_status(const status_context& ctx, lynd::BusReply& r);
 void status_reply_paths(const status_context& ctx, lynd::BusReply& r);
 void status_reply_clients(const status_context& ctx, lynd::BusReply& r);
 void status_reply_decisions(const status_context& ctx, lynd::BusReply& r);
+// The counters since start: the answer of the counters method.
+void status_put_counters(lynd::BusReply& r);
 // BUS_STATUS_NOT_FOUND when no path or client of that name or MAC.
 int status_reply_explain_path(const status_context& ctx, const char* path, lynd::BusReply& r);
 int status_reply_explain_client(const status_context& ctx, const uint8_t* mac, lynd::BusReply& r);

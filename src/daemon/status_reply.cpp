@@ -83,7 +83,7 @@ void status_reply_decisions(const status_context& ctx, BusReply& r) {
         r.put_int("seq", d->seq);
         r.put_int("uptime", status_uptime_s(ctx, d->at_ms));
         r.put_int("time", wall - (now_ms - d->at_ms) / 1000);
-        r.put_string("kind", decision_kind_names[d->kind < 4 ? d->kind : 0]);
+        r.put_string("kind", decision_kind_names[d->kind < DECISION_KINDS ? d->kind : 0]);
         r.put_string("subject", d->subject);
         r.put_string("from", d->from);
         r.put_string("to", d->to);

@@ -6,6 +6,7 @@
 
 #include "bridge/port_inventory.h"
 #include "config/lynd_config.h"
+#include "core/counters.h"
 #include "core/log.h"
 #include "event/event_dispatch.h"
 #include "event/netlink_datagram.h"
@@ -28,8 +29,10 @@ void event_bridge_set_event(lynd_config* conf) {
         const char* name = conf->bridges[i].name;
         if (!lynd_check_active_bridge(name))
             continue;
-        if (lynd::krel().bridgeSetEventInfo(name, pid, KREL_EVENT_TYPE, HYFI_NETLINK_PROTOCOL) < 0)
+        if (lynd::krel().bridgeSetEventInfo(name, pid, KREL_EVENT_TYPE, HYFI_NETLINK_PROTOCOL) < 0) {
             LYND_ERR("bridgeSetEventInfo");
+            g_counters.bridge_call_failures++;
+        }
     }
 }
 
@@ -77,5 +80,7 @@ void event_hyfi_nl_cb(lynd::LoopFd* f, unsigned) {
         bridge_event be;
         if (event_hyfi_datagram(buf, static_cast<size_t>(n), &be))
             event_run_cb(ev, EVENT_BRIDGE, &be);
+        else
+            g_counters.malformed_datagrams++;
     }
 }

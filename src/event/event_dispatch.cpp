@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "config/lynd_config.h"
+#include "core/counters.h"
 
 event_hub* l_ev = nullptr;
 
@@ -21,6 +22,7 @@ void event_del_listener(event_listener* listener) {
 
 void event_run_cb(event_hub* ev, uint32_t type, void* data) {
     lynd_config* conf = event_hub_config(ev);
+    lynd_count_event(type);
     lynd_list* p = ev->listeners.next;
     while (p != &ev->listeners) {
         event_listener* l = static_cast<event_listener*>(lynd_container_of(p, offsetof(event_listener, list)));

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstring>
 
+#include "core/counters.h"
 #include "core/log.h"
 #include "event/bridge_events.h"
 #include "event/event_dispatch.h"
@@ -76,6 +77,7 @@ void event_ubus_retry(lynd::LoopTimer* t) {
     }
     bus.add_to_loop();
     ev->bus_connected = true;
+    g_counters.bus_reconnects++;
     LYND_INFO("ubus connection is back");
     if (ev->bus_object != nullptr)
         (void)event_ubus_add_object(ev, ev->bus_object);

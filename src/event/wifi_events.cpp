@@ -5,6 +5,7 @@
 
 #include "bridge/port_inventory.h"
 #include "config/config.h"
+#include "core/counters.h"
 #include "core/log.h"
 #include "core/wire.h"
 #include "event/event_dispatch.h"
@@ -53,7 +54,9 @@ void event_wifi_nl_cb(lynd::LoopFd* f, unsigned) {
         if (n <= 0)
             return;
         size_t len = static_cast<size_t>(n);
-        if (nl_first_msg_ok(buf, len) && nl_first_msg_type(buf, len) == NL_RTM_NEWLINK)
+        if (!nl_first_msg_ok(buf, len))
+            g_counters.malformed_datagrams++;
+        else if (nl_first_msg_type(buf, len) == NL_RTM_NEWLINK)
             nl_wifi_newlink_handle(conf, buf, nl_first_msg_len(buf, len));
     }
 }

@@ -5,6 +5,7 @@
 #include "bridge/host_stats.h"
 #include "bridge/port_inventory.h"
 #include "config/ts_vlan.h"
+#include "core/counters.h"
 #include "core/decision_ring.h"
 #include "core/log.h"
 #include "core/shadow.h"
@@ -87,8 +88,10 @@ void program_broadcast(const conf_bridge& br, conf_interface* const* ports, int 
         if (allowed)
             LYND_DEBUG_AS(kFn, "nonrelay port %s enable bcast", ports[k]->name);
         int value = ports[k]->relay ? 1 : allowed ? 1 : 0;
-        if (lynd::krel().bridgeSetIFBroadcast(br.name, ports[k]->name, value) != 0)
+        if (lynd::krel().bridgeSetIFBroadcast(br.name, ports[k]->name, value) != 0) {
             LYND_ERR_AS(kFn, "bridgeSetIFBroadcast ifname %s", ports[k]->name);
+            g_counters.bridge_call_failures++;
+        }
     }
 }
 
@@ -225,8 +228,10 @@ void loop_avoidance_set_bcast_port_by_ps(lynd_config* conf, conf_bridge* bridge,
     for (int k = 0; k < count; k++) {
         int allowed = in_list(ports[k], chosen, n_chosen) ? 1 : 0;
         LYND_INFO("port:%s bcast:%d relay:%d", ports[k]->name, allowed, ports[k]->relay ? 1 : 0);
-        if (lynd::krel().bridgeSetIFBroadcast(bridge->name, ports[k]->name, ports[k]->relay ? 1 : allowed) != 0)
+        if (lynd::krel().bridgeSetIFBroadcast(bridge->name, ports[k]->name, ports[k]->relay ? 1 : allowed) != 0) {
             LYND_ERR("bridgeSetIFBroadcast");
+            g_counters.bridge_call_failures++;
+        }
     }
     keep_chosen(conf, i, chosen, n_chosen);
     for (int k = 0; k < n_chosen; k++)

@@ -3,6 +3,7 @@
 #include "bridge/host_stats.h"
 #include "bridge/port_inventory.h"
 #include "bridge/switch_vlan.h"
+#include "core/counters.h"
 #include "core/log.h"
 #include "core/queries.h"
 #include "modules/loop_avoidance/bcast_port.h"
@@ -18,17 +19,27 @@ constexpr uint8_t kEth2Group = 3;
 void switches(const conf_bridge& br, uint32_t mode) {
     lynd::KrelApi& krel = lynd::krel();
     bool hc = (br.ps_flags & PS_FLAG_HC) != 0;
-    if (krel.bridgeSetTcpSP(br.name, (br.ps_flags & PS_FLAG_TCP_SP) ? 1 : 0) != 0)
+    if (krel.bridgeSetTcpSP(br.name, (br.ps_flags & PS_FLAG_TCP_SP) ? 1 : 0) != 0) {
         LYND_ERR_AS(kFn, "bridgeSetTcpSP");
-    if (krel.bridgeSetBridgeMode(br.name, mode == WORK_MODE_RE ? 0 : 1) != 0)
+        g_counters.bridge_call_failures++;
+    }
+    if (krel.bridgeSetBridgeMode(br.name, mode == WORK_MODE_RE ? 0 : 1) != 0) {
         LYND_ERR_AS(kFn, "bridgeSetBridgeMode");
+        g_counters.bridge_call_failures++;
+    }
     bool follow = (br.flags & BR_FLAG_PATH_SELECTION) && (br.ps_flags & PS_FLAG_FOLLOW_RE);
-    if (krel.bridgeSetFollowRE(br.name, follow ? 1 : 0) != 0)
+    if (krel.bridgeSetFollowRE(br.name, follow ? 1 : 0) != 0) {
         LYND_ERR_AS(kFn, "bridgeSetFollowRE");
-    if (krel.bridgeSetHcEnable(br.name, mode == WORK_MODE_RE && hc ? 1 : 0) != 0)
+        g_counters.bridge_call_failures++;
+    }
+    if (krel.bridgeSetHcEnable(br.name, mode == WORK_MODE_RE && hc ? 1 : 0) != 0) {
         LYND_ERR_AS(kFn, "bridgeSetHcEnable");
-    if (krel.bridgeSetForwardingMode(br.name, hc && mode != WORK_MODE_RE ? 1 : 0) != 0)
+        g_counters.bridge_call_failures++;
+    }
+    if (krel.bridgeSetForwardingMode(br.name, hc && mode != WORK_MODE_RE ? 1 : 0) != 0) {
         LYND_ERR_AS(kFn, "bridgeSetForwardingMode");
+        g_counters.bridge_call_failures++;
+    }
 }
 
 // An Ethernet uplink whose switch port is up carries the backhaul: it must
@@ -66,27 +77,41 @@ void pick(lynd_config* conf, int i, conf_interface* const* ports, int count, bca
 void program_port(const lynd_config* conf, const conf_bridge& br, const conf_interface* p, const bcast_picks& pk) {
     lynd::KrelApi& krel = lynd::krel();
     int relay = p->relay ? 1 : 0;
-    if (krel.bridgeSetIFCompat(br.name, p->name, p->compat_group) != 0)
+    if (krel.bridgeSetIFCompat(br.name, p->name, p->compat_group) != 0) {
         LYND_ERR_AS(kFn, "bridgeSetIFCompat ifname %s", p->name);
-    if (krel.bridgeSetIFGroup(br.name, p->name, relay, relay) != 0)
+        g_counters.bridge_call_failures++;
+    }
+    if (krel.bridgeSetIFGroup(br.name, p->name, relay, relay) != 0) {
         LYND_ERR_AS(kFn, "bridgeSetIFGroup ifname %s", p->name);
+        g_counters.bridge_call_failures++;
+    }
     bool ts = conf->ts.enable;
     if (krel.bridgeSetIFTSvlan(br.name, p->name, ts ? static_cast<int>(p->ts_vlan_id) : 0, ts ? p->primary_name : "") !=
-        0)
+        0) {
         LYND_ERR_AS(kFn, "bridgeSetIFTSvlan");
+        g_counters.bridge_call_failures++;
+    }
     bool allowed = loop_avoidance_picked(pk, p);
     if (allowed)
         LYND_DEBUG_AS(kFn, "nonrelay port %s enable bcast", p->name);
     int bcast = relay ? 1 : allowed ? 1 : 0;
     LYND_DEBUG_AS(kFn, "bridgeSetIFBroadcast bridge:%s, name:%s, bcast:%d", br.name, p->name, bcast);
-    if (krel.bridgeSetIFBroadcast(br.name, p->name, bcast) != 0)
+    if (krel.bridgeSetIFBroadcast(br.name, p->name, bcast) != 0) {
         LYND_ERR_AS(kFn, "bridgeSetIFBroadcast ifname %s", p->name);
-    if (krel.bridgeSetIFClass(br.name, p->name, p->if_class) != 0)
+        g_counters.bridge_call_failures++;
+    }
+    if (krel.bridgeSetIFClass(br.name, p->name, p->if_class) != 0) {
         LYND_ERR_AS(kFn, "bridgeSetIFClass ifname %s", p->name);
-    if (krel.bridgeSetIFPath(br.name, p->name, p->path ? 1 : 0) != 0)
+        g_counters.bridge_call_failures++;
+    }
+    if (krel.bridgeSetIFPath(br.name, p->name, p->path ? 1 : 0) != 0) {
         LYND_ERR_AS(kFn, "bridgeSetIFPath ifname %s", p->name);
-    if (krel.bridgeSetIFType(br.name, p->name, static_cast<int>(p->type)) != 0)
+        g_counters.bridge_call_failures++;
+    }
+    if (krel.bridgeSetIFType(br.name, p->name, static_cast<int>(p->type)) != 0) {
         LYND_ERR_AS(kFn, "bridgeSetIFType ifname %s", p->name);
+        g_counters.bridge_call_failures++;
+    }
 }
 
 void configure_one(lynd_config* conf, int i, uint32_t mode) {

@@ -3,6 +3,7 @@
 #include "bridge/host_stats.h"
 #include "core/decision_ring.h"
 #include "core/log.h"
+#include "modules/path_selection/client_rules.h"
 #include "modules/path_selection/explain_records.h"
 #include "modules/path_selection/path_insight.h"
 #include "modules/path_selection/sampling.h"
@@ -105,6 +106,18 @@ uint8_t choose(hc_client* c, const hc_path& here, hc_path* paths, uint8_t thresh
     return ch.path;
 }
 
+// A pinned client's own best is its pin while that path is live; the
+// node's choice stays the ranking's.
+void pin(hc_client* c) {
+    uint8_t slot = client_pinned_slot(*c);
+    if (slot == PATH_NONE)
+        return;
+    c->best_path = slot;
+    client_explain& e = explain_of(c);
+    e.best = slot;
+    e.pinned = slot;
+}
+
 }  // namespace
 
 uint8_t path_selection_next_magic() {
@@ -199,6 +212,7 @@ hc_path* path_selection_find_best_path_v2(hc_path* paths) {
             c->magic = g_hc_magic;
             if (c->sta_type == PATH_NONE && c->best_path < PATH_NONE)
                 node_best = &paths[c->best_path];
+            pin(c);
         }
     }
     hc_path* best = usable > 0 ? node_best : nullptr;

@@ -28,6 +28,9 @@ client_log_entry* take(const uint8_t* mac) {
     *oldest = client_log_entry{};
     std::memcpy(oldest->mac, mac, LYND_MAC_LEN);
     oldest->used = true;
+    oldest->hold_on = PATH_NONE;
+    oldest->held_from = PATH_NONE;
+    oldest->held_to = PATH_NONE;
     return oldest;
 }
 
@@ -37,19 +40,29 @@ const char* slot_name(uint8_t slot) { return slot < IF_TYPE_MAX ? hc_paths[slot]
 
 void client_log_reset() { g_client_log = client_log{}; }
 
-void client_log_move(const hc_client& c, uint8_t from, uint8_t to, const char* reason) {
+void client_log_move(const hc_client& c, uint8_t from, uint8_t to, uint8_t reason_code) {
     client_log_entry* e = find(c.hc.mac);
     if (e == nullptr)
         e = take(c.hc.mac);
+    const char* reason = move_reason_texts[reason_code < MOVE_REASON_COUNT ? reason_code : 0];
+    lynd_count_move(reason_code);
     e->moves++;
     e->last_move_ms = lynd_monotonic_ms();
     e->from = from;
     e->to = to;
     e->reason = reason;
     e->touched = ++g_client_log.clock;
+    e->recent[e->next_recent] = e->last_move_ms;
+    e->next_recent = static_cast<uint8_t>((e->next_recent + 1) % FLAP_BUDGET_MAX);
+    if (e->n_recent < FLAP_BUDGET_MAX)
+        e->n_recent++;
+    e->held_from = PATH_NONE;
+    e->held_to = PATH_NONE;
     char mac[LYND_MAC_TEXT_LEN];
     lynd_mac_text(c.hc.mac, mac);
     decision_record(DECISION_CLIENT_MOVE, mac, slot_name(from), slot_name(to), reason);
 }
 
 const client_log_entry* client_log_find(const uint8_t* mac) { return find(mac); }
+
+client_log_entry* client_log_find_mut(const uint8_t* mac) { return find(mac); }

@@ -4,6 +4,8 @@
 #pragma once
 #include <cstdint>
 
+#include "config/conf_steering.h"
+#include "core/counters.h"
 #include "core/mac.h"
 #include "modules/path_selection/hc_records.h"
 
@@ -16,6 +18,15 @@ struct client_log_entry {
     uint8_t to;
     const char* reason;  // static text
     uint32_t touched;    // the oldest touched goes first when the table is full
+    // For the flap guard: the times of the latest moves, newest at
+    // recent[(next_recent + FLAP_BUDGET_MAX - 1) % FLAP_BUDGET_MAX].
+    int64_t recent[FLAP_BUDGET_MAX];
+    uint8_t n_recent;
+    uint8_t next_recent;
+    int64_t hold_until_ms;  // a flap was seen: the client stays on hold_on
+    uint8_t hold_on;
+    uint8_t held_from;  // the held move last listed, so each is listed once
+    uint8_t held_to;
 };
 
 struct client_log {
@@ -26,7 +37,8 @@ extern client_log g_client_log;
 void client_log_reset();
 
 // Counts a move of c from slot `from` to slot `to` and records it as a
-// decision with reason.
-void client_log_move(const hc_client& c, uint8_t from, uint8_t to, const char* reason);
+// decision with its reason (a move_reason).
+void client_log_move(const hc_client& c, uint8_t from, uint8_t to, uint8_t reason);
 // The client's entry, or null when it never moved (or was dropped).
 const client_log_entry* client_log_find(const uint8_t* mac);
+client_log_entry* client_log_find_mut(const uint8_t* mac);

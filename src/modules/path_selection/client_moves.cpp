@@ -7,7 +7,9 @@
 #include "core/log.h"
 #include "core/vlan_name.h"
 #include "modules/path_selection/client_log.h"
+#include "modules/path_selection/client_rules.h"
 #include "modules/path_selection/explain_records.h"
+#include "modules/path_selection/flap_guard.h"
 #include "modules/path_selection/ts_destination.h"
 #include "platform/seams.h"
 #include "wlan/wlan.h"
@@ -76,6 +78,10 @@ void consider(lynd_config* conf, hc_client* c, hc_path* p, int has_busy, int han
     }
     c->magic++;
     client_explain& e = explain_of(c);
+    if (client_excluded(*c)) {
+        e.outcome = OUTCOME_EXCLUDED;
+        return;
+    }
     if (!may_move(c, *p, has_busy, conf->param.busy_count_threshold, e))
         return;
     if (handle == 0) {
@@ -96,15 +102,22 @@ void consider(lynd_config* conf, hc_client* c, hc_path* p, int has_busy, int han
     e.outcome = OUTCOME_TOO_HEAVY;
     if (quota > static_cast<uint32_t>(adjust_quota))
         return;
+    guard_verdict v;
+    if (flap_guard_holds(*c, p->type, bp->type, &v)) {
+        e.outcome = OUTCOME_FLAP_HELD;
+        e.guard_rule = v.rule;
+        e.guard_left_ms = v.left_ms;
+        return;
+    }
     e.outcome = OUTCOME_OUTWEIGHED;  // until it is the one moved
     if (better_candidate(*cand, c, *bp, *p))
         *cand = Candidate{c, bp, quota};
 }
 
-const char* move_reason(const hc_client& c, const hc_path& from) {
+uint8_t move_reason_of(const hc_client& c, const hc_path& from) {
     if (from.overload == 1)
-        return "path overloaded";
-    return (c.flags & HC_FLAG_ASSOC_NEWLY) != 0 ? "newly associated" : "better path";
+        return MOVE_PATH_OVERLOADED;
+    return (c.flags & HC_FLAG_ASSOC_NEWLY) != 0 ? MOVE_NEWLY_ASSOCIATED : MOVE_BETTER_PATH;
 }
 
 void source_name(const hc_client* c, char* out) {
@@ -128,7 +141,7 @@ void move(lynd_config* conf, conf_bridge* bridge, const Candidate& cand, const h
     }
     LYND_INFO_AS(kFn, "best_path_name:%s", dst);
     (void)lynd_set_hc_entry(bridge->name, c->hc.mac, c->hc.id, src, dst);
-    client_log_move(*c, from.type, cand.bp->type, move_reason(*c, from));
+    client_log_move(*c, from.type, cand.bp->type, move_reason_of(*c, from));
     explain_of(c).outcome = OUTCOME_MOVED;
     cand.bp->quota = static_cast<int16_t>(cand.bp->quota - static_cast<int16_t>(cand.quota));
     hc_client_unlink_path(c);
@@ -186,6 +199,8 @@ void path_selection_pre_update_uplink_path_for_hc_v2(conf_bridge* bridge, hc_pat
         lynd_list* head = &paths[t].clients;
         for (lynd_list *n = head->next, *next = n->next; n != head; n = next, next = n->next) {
             hc_client* c = hc_client_of_path_node(n);
+            if (client_excluded(*c))
+                continue;
             const uint8_t* m = c->hc.mac;
             LYND_INFO("set hc(%02x:%02x:%02x:%02x:%02x:%02x) to %s", m[0], m[1], m[2], m[3], m[4], m[5], best->name);
             char src[LYND_NAME_LEN], dst[LYND_NAME_LEN];
@@ -203,7 +218,7 @@ void path_selection_pre_update_uplink_path_for_hc_v2(conf_bridge* bridge, hc_pat
             (void)lynd_set_hc_entry(bridge->name, c->hc.mac, c->hc.id, src, dst);
             hc_client_unlink_path(c);
             lynd_list_add_tail(&c->path_node, &best->clients);
-            client_log_move(*c, static_cast<uint8_t>(t), best->type, "path unlinked");
+            client_log_move(*c, static_cast<uint8_t>(t), best->type, MOVE_PATH_UNLINKED);
             hc_list_dump(&best->clients, __func__, __LINE__);
             (void)lynd_flush_fc_flow_by_mac(c->hc.mac);
         }

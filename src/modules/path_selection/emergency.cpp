@@ -3,6 +3,7 @@
 #include "bridge/hybrid_tables.h"
 #include "bridge/port_inventory.h"
 #include "config/ts_vlan.h"
+#include "core/counters.h"
 #include "core/decision_ring.h"
 #include "core/log.h"
 #include "core/queries.h"
@@ -30,6 +31,7 @@ void path_selection_event_link_state_hc(lynd_config* conf) {
 
 void path_selection_emergency_set_preferred(conf_bridge* bridge) {
     const lynd_config* conf = g_ps_conf;
+    g_counters.emergency_choices++;
     hc_path* cand = nullptr;
     uint32_t connected = 0;
     for (uint32_t t = 0; t < IF_TYPE_MAX; t++) {

@@ -5,7 +5,7 @@
 client_explain g_explain[HC_MAX_CLIENTS];
 int64_t g_explain_run_ms;
 
-const char* const move_outcome_texts[10] = {
+const char* const move_outcome_texts[OUTCOME_COUNT] = {
     "not rated",
     "not rated in the last run",
     "not busy: clients wait on an overloaded path, or there is no best path",
@@ -16,6 +16,8 @@ const char* const move_outcome_texts[10] = {
     "its rate needs more than the adjusted quota of the best path",
     "another client of its path was moved instead",
     "moved to its best path",
+    "flap guard: the move waits",
+    "excluded by configuration: never moved",
 };
 
 void explain_reset() {
@@ -38,6 +40,7 @@ void explain_begin(const hc_client* c, uint8_t here, uint64_t sq, uint32_t sta_r
     e.sta_rate = sta_rate;
     e.ranked = PATH_NONE;
     e.best = PATH_NONE;
+    e.pinned = PATH_NONE;
 }
 
 void explain_candidate_add(client_explain& e, const explain_candidate& cand) {

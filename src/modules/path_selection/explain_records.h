@@ -18,8 +18,11 @@ enum move_outcome : uint8_t {
     OUTCOME_TOO_HEAVY,  // its rate would take more than the adjusted quota
     OUTCOME_OUTWEIGHED, // another client of its path was moved instead
     OUTCOME_MOVED,
+    OUTCOME_FLAP_HELD,  // the move waits for the flap guard
+    OUTCOME_EXCLUDED,   // the operator excluded it from steering
+    OUTCOME_COUNT,
 };
-extern const char* const move_outcome_texts[10];
+extern const char* const move_outcome_texts[OUTCOME_COUNT];
 
 struct explain_candidate {
     uint8_t slot;
@@ -56,6 +59,9 @@ struct client_explain {
     int32_t adjust_quota;
     uint32_t quota;
     uint32_t rate_mbps;
+    uint8_t guard_rule;     // why the flap guard held it
+    int64_t guard_left_ms;  // until the held move may be made
+    uint8_t pinned;         // the pinned slot, PATH_NONE when not pinned
 };
 
 extern client_explain g_explain[HC_MAX_CLIENTS];

@@ -1,5 +1,6 @@
 #include "modules/path_selection/path_insight.h"
 
+#include "core/counters.h"
 #include "core/decision_ring.h"
 
 path_insight g_path_insight[IF_TYPE_MAX];
@@ -24,6 +25,7 @@ void path_insight_reset() {
 void path_insight_state_changed(const hc_path& p, uint8_t from, const char* reason) {
     if (p.type >= IF_TYPE_MAX || from == p.state)
         return;
+    lynd_count_state_change(p.state);
     path_insight& in = g_path_insight[p.type];
     int64_t now = lynd_monotonic_ms();
     in.entered_ms = now;

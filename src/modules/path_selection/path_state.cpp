@@ -7,6 +7,8 @@
 #include "core/log.h"
 #include "modules/loop_avoidance/bcast_port.h"
 #include "modules/path_selection/client_log.h"
+#include "modules/path_selection/client_rules.h"
+#include "modules/path_selection/flap_guard.h"
 #include "modules/path_selection/path_insight.h"
 #include "modules/path_selection/ts_destination.h"
 #include "platform/seams.h"
@@ -164,6 +166,15 @@ uint8_t best_state(hc_path* paths, hc_path** best) {
     return s;
 }
 
+// An excluded client, a pinned one whose pinned path is live elsewhere, and
+// one the flap guard holds stay; leaving an abnormal path never waits.
+bool stays(const hc_client& c, const hc_path& p, const hc_path& best) {
+    if (client_excluded(c) || client_pin_forbids(c, best.type))
+        return true;
+    guard_verdict v;
+    return p.state == PATH_WEAKLINK && flap_guard_holds(c, p.type, best.type, &v);
+}
+
 // Moves every client of p onto best; the destination of the last one, or
 // "" when p had none.
 void evacuate(conf_bridge* bridge, hc_path* p, hc_path* best, char* dst) {
@@ -174,12 +185,14 @@ void evacuate(conf_bridge* bridge, hc_path* p, hc_path* best, char* dst) {
         if (!lynd::host().if_indextoname(c->hc.src_port, src))
             src[0] = '\0';
         path_selection_ts_dst_name(g_ps_conf, best->name, src, dst);
+        if (stays(*c, *p, *best))
+            continue;
         (void)lynd_set_hc_entry(bridge->name, c->hc.mac, c->hc.id, src, dst);
         hc_client_unlink_path(c);
         lynd_list_add_tail(&c->path_node, &best->clients);
         c->busy_count = 0;
         c->idle_count = 0;
-        client_log_move(*c, p->type, best->type, p->state == PATH_WEAKLINK ? "path weak" : "path abnormal");
+        client_log_move(*c, p->type, best->type, p->state == PATH_WEAKLINK ? MOVE_PATH_WEAK : MOVE_PATH_ABNORMAL);
         hc_list_dump(&best->clients, kEvacuateFn, __LINE__);
         (void)lynd_flush_fc_flow_by_mac(c->hc.mac);
     }

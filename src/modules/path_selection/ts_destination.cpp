@@ -6,6 +6,7 @@
 #include "config/ts_vlan.h"
 #include "core/log.h"
 #include "core/vlan_name.h"
+#include "modules/path_selection/client_rules.h"
 #include "platform/seams.h"
 
 namespace {
@@ -54,6 +55,8 @@ void path_selection_check_dst_vlan_hc_table(lynd_config* conf, conf_bridge* brid
 }
 
 void path_selection_ts_vlan_hc_update(lynd_config* conf, conf_bridge* bridge, hc_entry* hc, const hc_path* path) {
+    if (client_mac_excluded(hc->mac))
+        return;  // the operator keeps its entry as the bridge has it
     lynd::Host& host = lynd::host();
     char src[LYND_NAME_LEN], dst[LYND_NAME_LEN], home[LYND_NAME_LEN], name[LYND_NAME_LEN] = {};
     name_of(hc->src_port, src);

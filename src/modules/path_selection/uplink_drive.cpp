@@ -9,6 +9,7 @@
 #include "modules/path_selection/best_path.h"
 #include "modules/path_selection/client_moves.h"
 #include "modules/path_selection/dumps.h"
+#include "modules/path_selection/preferred_guard.h"
 #include "modules/path_selection/ts_destination.h"
 #include "wlan/wlan.h"
 
@@ -34,7 +35,8 @@ bool steer(lynd_config* conf, conf_bridge* bridge, hc_path* paths, int has_path_
         lynd_set_link_state_changed(0);
         return false;
     }
-    (void)lynd_set_hc_preferred(bridge, name);
+    (void)lynd_set_hc_preferred(bridge, preferred_guard_choose(bridge, best, paths)->name);
+    preferred_guard_note(bridge, before, bridge->preferred_ifindex);
     decision_record_port(DECISION_PREFERRED_PORT, bridge->name, before, bridge->preferred_ifindex, "best path");
     LYND_DEBUG_AS(kFn, "has_path_overload:%d, has_clients_on_busy_path:%d", has_path_overload, has_busy);
     path_selection_update_uplink_hc_table_v2(conf, bridge, best, paths, has_busy);

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/counters.h"
 #include "core/log.h"
 #include "core/shadow.h"
 #include "platform/seams.h"
@@ -87,5 +88,5 @@ int wlan_restart_link(uint32_t type) {
     if (lynd_shadow_holds("reconnect"))
         return 0;
     const char* const argv[] = {"wpa_cli", "-p", ctrl_dir, "-i", name, "reconnect", nullptr};
-    return lynd::host().run_status(argv);
+    return lynd_count_tool_run(lynd::host().run_status(argv));
 }
