@@ -24,4 +24,5 @@ void lynd_process_state_reset() {
     path_selection_state_reset();
     decision_ring_reset();
     lynd_shadow_reset();
+    lynd_log_to_syslog(false);
 }
