@@ -41,7 +41,10 @@ void config_load(lynd_config* conf, const char* filename) {
     // where its lines go.
     config_report quiet{};
     quiet.sink = discard;
+    int level = g_lynd_dgb_lvl;
+    g_lynd_dgb_lvl = 0;  // the loader's own lines come with the second look
     (void)config_read(conf, filename, &quiet);
+    g_lynd_dgb_lvl = level;
     lynd_log_to_syslog(conf->syslog);
 
     config_report report{};
