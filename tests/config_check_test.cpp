@@ -107,9 +107,11 @@ TEST_F(ConfigCheckTest, BridgeMembershipIsReadWhereTheInterfacesExist) {
     EXPECT_EQ(CHECK_CLEAN, check(conf, true));
 }
 
-TEST_F(ConfigCheckTest, ADisabledFileIsANoteNotAWarning) {
+TEST_F(ConfigCheckTest, ADisabledFileIsANoteAndAMissingPeriodAWarning) {
     EXPECT_EQ(CHECK_CLEAN, check(R"({"enable": false})", true));
     EXPECT_TRUE(says("note: enable: not true: the daemon exits at once and does nothing"));
+    EXPECT_EQ(CHECK_WARNINGS, check(R"({"enable": true, "bridges": {"br-lan": {"path_selection": true}}})", true));
+    EXPECT_TRUE(says("warning: param.period: 0 with path selection on bridge br-lan: paths are never rated"));
 }
 
 }  // namespace

@@ -125,10 +125,23 @@ uint32_t check_nonrelay_ports(const lynd_config& c, check_printer* p) {
     return n;
 }
 
+// Without a period the path-selection timer never runs.
+uint32_t check_period(const lynd_config& c, check_printer* p) {
+    for (uint64_t b = 0; b < c.n_bridges; b++) {
+        if ((c.bridges[b].flags & BR_FLAG_PATH_SELECTION) != 0 && c.param.period == 0) {
+            check_line(p, "warning", "param.period", "0 with path selection on bridge %s: paths are never rated",
+                       c.bridges[b].name);
+            return 1;
+        }
+    }
+    return 0;
+}
+
 }  // namespace
 
 uint32_t mesh_checks(const lynd_config& c, check_printer* p) {
     if (!c.enable)
         check_line(p, "note", "enable", "not true: the daemon exits at once and does nothing");
-    return check_relay_roles(c, p) + check_path_slots(c, p) + check_membership(c, p) + check_nonrelay_ports(c, p);
+    return check_relay_roles(c, p) + check_path_slots(c, p) + check_membership(c, p) + check_nonrelay_ports(c, p) +
+           check_period(c, p);
 }
