@@ -68,24 +68,23 @@ TEST_F(ConfigDiagnosticsTest, EveryRefusedFileSaysWhereAndWhy) {
 }
 
 TEST_F(ConfigDiagnosticsTest, TheFatalLineIsFollowedByTheFileAndReason) {
-    host.set_file("/etc/lynd.json", "{ \"enable\": true, \"bridges\": ");
-    EXPECT_EXIT(
-        {
-            host.set_echo(true);
-            config_load(&conf, "/etc/lynd.json");
-        },
-        ::testing::ExitedWithCode(1),
-        "<LYND_FATAL>\\[config_load, [0-9]+\\] parse config\n"
-        "<LYND_FATAL>\\[config_load, [0-9]+\\] /etc/lynd.json: line 1, column 30: unexpected end of data\n");
-    host.set_file("/etc/lynd.json", R"({"interfaces": {"ath12": {"type": "5G"}}})");
-    EXPECT_EXIT(
-        {
-            host.set_echo(true);
-            config_load(&conf, "/etc/lynd.json");
-        },
-        ::testing::ExitedWithCode(1),
-        "<LYND_FATAL>\\[config_load, [0-9]+\\] invalid interface type\n"
-        "<LYND_FATAL>\\[config_load, [0-9]+\\] /etc/lynd.json: interfaces.ath12.type: \"5G\" is not one of");
+    const char* const cases[][2] = {
+        {"{ \"enable\": true, \"bridges\": ",
+         "<LYND_FATAL>\\[config_load, [0-9]+\\] parse config\n"
+         "<LYND_FATAL>\\[config_load, [0-9]+\\] /etc/lynd.json: line 1, column 30: unexpected end of data\n"},
+        {R"({"interfaces": {"ath12": {"type": "5G"}}})",
+         "<LYND_FATAL>\\[config_load, [0-9]+\\] invalid interface type\n"
+         "<LYND_FATAL>\\[config_load, [0-9]+\\] /etc/lynd.json: interfaces.ath12.type: \"5G\" is not one of"},
+    };
+    for (const auto& c : cases) {
+        host.set_file("/etc/lynd.json", c[0]);
+        EXPECT_EXIT(
+            {
+                host.set_echo(true);
+                config_load(&conf, "/etc/lynd.json");
+            },
+            ::testing::ExitedWithCode(1), c[1]);
+    }
 }
 
 TEST_F(ConfigDiagnosticsTest, OneWarnPerUnknownKeyAndMistypedValue) {

@@ -10,6 +10,15 @@ namespace {
 
 using LogTest = SimNodeTest;
 
+void log_each_tag() {
+    LYND_ERR("e");
+    LYND_WARN("w");
+    LYND_INFO("i");
+    LYND_LOG("l");
+    LYND_DEBUG("d");
+    LYND_TRACE("t");
+}
+
 TEST_F(LogTest, EachTagPrintsFromItsLevelOn) {
     struct Case {
         int level;
@@ -23,12 +32,7 @@ TEST_F(LogTest, EachTagPrintsFromItsLevelOn) {
     for (const Case& c : cases) {
         host.clear_console();
         g_lynd_dgb_lvl = c.level;
-        LYND_ERR("e");
-        LYND_WARN("w");
-        LYND_INFO("i");
-        LYND_LOG("l");
-        LYND_DEBUG("d");
-        LYND_TRACE("t");
+        log_each_tag();
         EXPECT_EQ(c.err, host.logged("<LYND_ERR>")) << c.level;
         EXPECT_EQ(c.warn, host.logged("<LYND_WARN>")) << c.level;
         EXPECT_EQ(c.info, host.logged("<LYND_INFO>")) << c.level;
@@ -85,12 +89,7 @@ struct SyslogOn {
 TEST_F(LogTest, SyslogTakesEachLineAtItsTagsPriorityAndTheConsoleNone) {
     SyslogOn on;
     g_lynd_dgb_lvl = LYND_LVL_TRACE;
-    LYND_ERR("e");
-    LYND_WARN("w");
-    LYND_INFO("i");
-    LYND_LOG("l");
-    LYND_DEBUG("d");
-    LYND_TRACE("t");
+    log_each_tag();
     LYND_DECISION("x");
     lynd_printf("dump\n  second");
     std::vector<std::string> prefixes;
