@@ -75,9 +75,9 @@ TEST_F(ConfigCheckTest, RivalsForOnePathSlotAreNamed) {
         "eth2": {"type": "ethernet", "path": true, "nonrelay": true},
         "eth3": {"type": "ethernet", "nonrelay": true}}})", true));
     EXPECT_TRUE(says("warning: interfaces.eth1: not a path: eth3, later in the file, takes the only ethernet path "
-                     "slot; mark one interface of a type \"path\""));
+                     "slot; only the last non-relay interface of a type is a path"));
     EXPECT_TRUE(says("warning: interfaces.eth2: not a path: eth3, later in the file, takes the only ethernet path "
-                     "slot; mark one interface of a type \"path\""));
+                     "slot; only the last non-relay interface of a type is a path"));
     // The shipped file keeps its second uplink for loop avoidance only.
     std::FILE* f = std::fopen(LYND_SOURCE_DIR "/openwrt/files/lynd.json", "rb");
     ASSERT_NE(nullptr, f);

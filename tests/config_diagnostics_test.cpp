@@ -56,7 +56,8 @@ TEST_F(ConfigDiagnosticsTest, EveryRefusedFileSaysWhereAndWhy) {
          "interfaces.eth1.type: \"etherent\" is not one of ethernet, 2.4g, 5g, 5g_2, 6g"},
         {"/notype.json", R"({"interfaces": {"eth1": {"nonrelay": true}}})",
          "interfaces.eth1.type: missing; one of ethernet, 2.4g, 5g, 5g_2, 6g is needed"},
-        {"/scalar.json", R"({"interfaces": {"eth1": 5}})", "interfaces.eth1: is not an object; an interface needs a type"},
+        {"/scalar.json", R"({"interfaces": {"eth1": 5}})",
+         "interfaces.eth1: is not an object; an interface needs a type"},
     };
     for (const Case& c : cases) {
         host.set_file(c.path, c.text);

@@ -219,7 +219,8 @@ json_object* parse_object(const char* text, size_t len, config_report* r) {
         return root;
     }
     if (err == json_tokener_continue || (err == json_tokener_success && root == nullptr && len == 0))
-        config_note(r, config_severity::REFUSED, where, "%s", len == 0 ? "the file is empty" : "unexpected end of data");
+        config_note(r, config_severity::REFUSED, where, "%s",
+                    len == 0 ? "the file is empty" : "unexpected end of data");
     else if (err != json_tokener_success)
         config_note(r, config_severity::REFUSED, where, "%s", json_tokener_error_desc(err));
     else

@@ -10,8 +10,10 @@ namespace {
 
 void print_note(void* ctx, config_severity severity, const char* where, const char* text) {
     auto* p = static_cast<check_printer*>(ctx);
-    check_line(p, severity == config_severity::REFUSED ? "refused" : (severity == config_severity::ERROR ? "error" : "warning"),
-               where, "%s", text);
+    const char* label = severity == config_severity::REFUSED ? "refused"
+                        : severity == config_severity::ERROR ? "error"
+                                                             : "warning";
+    check_line(p, label, where, "%s", text);
 }
 
 }  // namespace

@@ -74,9 +74,10 @@ uint32_t check_path_slots(const lynd_config& c, check_printer* p) {
             continue;
         }
         const char* label = f.path ? "warning" : "note";
-        check_line(p, label, place("interfaces", f.name).at, "not a path: %s, later in the file, takes the only %s path slot%s",
-                   owner[f.type]->name, config_if_type_name(f.type),
-                   f.path ? "; mark one interface of a type \"path\"" : "");
+        check_line(p, label, place("interfaces", f.name).at,
+                   "not a path: %s, later in the file, takes the only %s path slot%s", owner[f.type]->name,
+                   config_if_type_name(f.type),
+                   f.path ? "; only the last non-relay interface of a type is a path" : "");
         n += f.path ? 1 : 0;
     }
     return n;
@@ -117,8 +118,9 @@ uint32_t check_nonrelay_ports(const lynd_config& c, check_printer* p) {
         for (uint64_t i = 0; i < c.n_interfaces; i++)
             ports += !c.interfaces[i].relay && (!here || in_bridge(br.name, c.interfaces[i].name));
         if (ports == 0) {
-            check_line(p, "warning", place("bridges", br.name).at, "loop avoidance without a non-relay port%s: no uplink is marked "
-                       "\"nonrelay\"", here ? " in the bridge" : "");
+            check_line(p, "warning", place("bridges", br.name).at,
+                       "loop avoidance without a non-relay port%s: no uplink is marked \"nonrelay\"",
+                       here ? " in the bridge" : "");
             n++;
         }
     }
