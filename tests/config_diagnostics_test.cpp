@@ -31,7 +31,7 @@ protected:
             out.push_back(l.substr(l.find("] ") + 2));
         return out;
     }
-    lynd_config conf;
+    lynd_config conf{};
 };
 
 TEST_F(ConfigDiagnosticsTest, EveryRefusedFileSaysWhereAndWhy) {

@@ -43,9 +43,10 @@ void config_load(lynd_config* conf, const char* filename) {
     quiet.sink = discard;
     int level = g_lynd_dgb_lvl;
     g_lynd_dgb_lvl = 0;  // the loader's own lines come with the second look
-    (void)config_read(conf, filename, &quiet);
+    // A file that does not parse sets nothing, its switch included.
+    bool parsed = config_read(conf, filename, &quiet) != config_parse_result::BAD_JSON;
     g_lynd_dgb_lvl = level;
-    lynd_log_to_syslog(conf->syslog);
+    lynd_log_to_syslog(parsed && conf->syslog);
 
     config_report report{};
     switch (config_read(conf, filename, &report)) {
