@@ -101,7 +101,7 @@ TEST(LibUciStoreTest, EachFailedLookupIsOneLineAndCostsNoMemory) {
     };
     StderrCapture capture;
     ASSERT_TRUE(capture.ok());
-    for (int i = 0; i < 1000; i++)  // the heap settles after the first contexts
+    for (int i = 0; i < 2000; i++)  // the heap settles after the first contexts
         (void)lookup();
     size_t warmup_bytes = capture.size();
     long before = rss_kib();
@@ -119,7 +119,8 @@ TEST(LibUciStoreTest, EachFailedLookupIsOneLineAndCostsNoMemory) {
     // A growing buffer would show as ever longer lines: all are alike.
     EXPECT_EQ(text.size(), 1000 * (text.find('\n') + 1));
     ASSERT_GT(before, 0);
-    EXPECT_LE(after - before, 64) << "RSS grew from " << before << " KiB to " << after << " KiB";
+    // Page-grain noise passes; a leak of 200 bytes a lookup would not.
+    EXPECT_LE(after - before, 128) << "RSS grew from " << before << " KiB to " << after << " KiB";
 }
 
 }  // namespace
