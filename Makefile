@@ -20,6 +20,7 @@ build: deps
 	cmake --build $(BUILD) -j $(JOBS)
 
 run: build
+	$(BUILD)/lynd-check examples/lynd-with-mistakes.json
 	$(BUILD)/lynd-sim run $(if $(TIMELINE),--timeline $(TIMELINE)) $(SCENARIO)
 
 test: fuzz test-asan test-plain

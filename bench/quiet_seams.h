@@ -25,6 +25,11 @@ public:
         AllocPause p;
         h_->console_write(line, len);
     }
+    void syslog_write(int priority, const char* line, size_t len) override {
+        AllocPause p;
+        h_->syslog_write(priority, line, len);
+    }
+    long file_size(const char* path) override { return h_->file_size(path); }
     unsigned if_nametoindex(const char* name) override { return h_->if_nametoindex(name); }
     lynd::HwAddrResult get_hwaddr(const char* ifname, uint8_t* mac) override { return h_->get_hwaddr(ifname, mac); }
     bool if_indextoname(unsigned ifindex, char* name) override { return h_->if_indextoname(ifindex, name); }

@@ -7,7 +7,8 @@ void print_report(std::FILE* out, const Scenario& sc, const RunOutcome& o, SimNo
                  sc.name.c_str(), static_cast<long long>(o.virtual_ms / 1000), o.exit_status);
     std::fprintf(out,
                  "lynd-sim: %zu log lines, %zu bridge calls, %zu tool runs, %zu frames sent, %zu driver actions\n",
-                 node.host().console_lines().size(), node.bridge().calls().size(), node.host().runs().size(),
+                 node.host().console_lines().size() + node.host().syslog_lines().size(),
+                 node.bridge().calls().size(), node.host().runs().size(),
                  node.host().frames().size(), node.wlan().actions().size());
     for (const auto& c : node.bus_calls())
         std::fprintf(out, "lynd-sim: ubus call %s %s %s at %lld s: %s %s\n", c.object.c_str(), c.method.c_str(),

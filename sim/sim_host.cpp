@@ -19,10 +19,11 @@ const SimInterface* SimHost::find_interface(const std::string& name) const {
     return nullptr;
 }
 
+// Whichever sink the daemon chose: a line is logged either way.
 size_t SimHost::count_logged(const std::string& needle) const {
-    return static_cast<size_t>(std::count_if(console_.begin(), console_.end(), [&](const std::string& l) {
-        return l.find(needle) != std::string::npos;
-    }));
+    auto has = [&](const std::string& l) { return l.find(needle) != std::string::npos; };
+    return static_cast<size_t>(std::count_if(console_.begin(), console_.end(), has) +
+                               std::count_if(syslog_.begin(), syslog_.end(), has));
 }
 
 void SimHost::console_write(const char* line, size_t len) {
@@ -31,6 +32,13 @@ void SimHost::console_write(const char* line, size_t len) {
     if (len > 0 && line[len - 1] == '\n')
         len--;
     console_.emplace_back(line, len);
+}
+
+void SimHost::syslog_write(int priority, const char* line, size_t len) {
+    std::string entry = "<" + std::to_string(priority) + ">" + std::string(line, len);
+    if (echo_)
+        (void)!::write(STDERR_FILENO, (entry + "\n").data(), entry.size() + 1);
+    syslog_.push_back(std::move(entry));
 }
 
 unsigned SimHost::if_nametoindex(const char* name) {

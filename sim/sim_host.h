@@ -48,10 +48,15 @@ public:
     void set_echo(bool on) { echo_ = on; }
 
     const std::vector<std::string>& console_lines() const { return console_; }
+    // Lines sent to the system log, each as "<priority>line".
+    const std::vector<std::string>& syslog_lines() const { return syslog_; }
     const std::vector<std::string>& runs() const { return runs_; }
     size_t count_logged(const std::string& needle) const;
     bool logged(const std::string& needle) const { return count_logged(needle) > 0; }
-    void clear_console() { console_.clear(); }
+    void clear_console() {
+        console_.clear();
+        syslog_.clear();
+    }
     void clear_runs() { runs_.clear(); }
 
     // Netlink: sockets of a protocol get descriptors from 100 on; datagrams
@@ -84,10 +89,12 @@ public:
     int run_capture(const char* const argv[], char* out, size_t size) override;
     int run_status(const char* const argv[]) override;
     void console_write(const char* line, size_t len) override;
+    void syslog_write(int priority, const char* line, size_t len) override;
     unsigned if_nametoindex(const char* name) override;
     HwAddrResult get_hwaddr(const char* ifname, uint8_t* mac) override;
     bool if_indextoname(unsigned ifindex, char* name) override;
     long read_file(const char* path, char* buf, size_t size) override;
+    long file_size(const char* path) override;
     bool write_file(const char* path, const char* data, size_t len) override;
     int close_fd(int fd) override;
     int dgram_socket() override;
@@ -146,6 +153,7 @@ private:
     std::map<std::string, std::string> files_;
     std::map<std::string, int> writes_;
     std::vector<std::string> console_;
+    std::vector<std::string> syslog_;
     std::vector<std::string> runs_;
     SimLoop* clock_ = nullptr;
     bool echo_ = false;

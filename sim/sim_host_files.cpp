@@ -29,6 +29,11 @@ long SimHost::read_file(const char* path, char* buf, size_t size) {
     return static_cast<long>(n);
 }
 
+long SimHost::file_size(const char* path) {
+    auto it = files_.find(path);
+    return it == files_.end() ? -1 : static_cast<long>(it->second.size());
+}
+
 int SimHost::writes(const std::string& path) const {
     auto it = writes_.find(path);
     return it == writes_.end() ? 0 : it->second;

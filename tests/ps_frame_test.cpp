@@ -73,7 +73,8 @@ TEST_F(PsFrameTest, AZeroPeriodLeavesThatTimerIdleAndSaysSoOnce) {
     path_selection_arm_timers(module);
     EXPECT_FALSE(m->period_timer.pending);
     EXPECT_TRUE(m->short_period_timer.pending);
-    EXPECT_EQ(1u, host.count_logged("] period is 0 (no \"param\" in the configuration): the period timer stays idle"));
+    EXPECT_EQ(1u, host.count_logged("] period is 0 (\"param\" or its \"period\" missing, 0 or not a number): the "
+                                    "period timer stays idle"));
 }
 
 TEST_F(PsFrameTest, ItHearsEveryEventBeforeTheModulesRegisteredEarlier) {

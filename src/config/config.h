@@ -3,9 +3,11 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "config/config_report.h"
 #include "config/lynd_config.h"
 
 constexpr const char* LYND_DEFAULT_CONFIG = "/etc/lynd.json";
+// Files of this size or more are refused.
 constexpr size_t LYND_CONFIG_MAX_SIZE = 256 * 1024;
 
 enum class config_parse_result {
@@ -15,13 +17,20 @@ enum class config_parse_result {
 };
 
 // Pure: fills conf from the text of a configuration file. On BAD_INTERFACE_TYPE
-// the interfaces stored before the bad one stay in conf.
-config_parse_result config_parse(lynd_config* conf, const char* text, size_t len);
+// the interfaces stored before the bad one stay in conf. Every problem goes
+// to report (null: the daemon's log); a refused file leaves its reason there.
+config_parse_result config_parse(lynd_config* conf, const char* text, size_t len, config_report* report = nullptr);
 
+// Reads and parses filename as the daemon does; a file that cannot be read
+// or is too large counts as BAD_JSON.
+config_parse_result config_read(lynd_config* conf, const char* filename, config_report* report);
 // Reads and parses filename; a bad file is fatal (exit 1).
 void config_load(lynd_config* conf, const char* filename);
 void config_dump(const lynd_config* conf);
 void config_free(lynd_config* conf);
+
+// "ethernet", "2.4g", "5g", "5g_2", "6g"; "unknown" for anything else.
+const char* config_if_type_name(uint32_t type);
 
 conf_interface* config_find_interface_by_name(lynd_config* conf, const char* name);
 conf_interface* config_find_interface_by_index(lynd_config* conf, uint32_t ifindex);

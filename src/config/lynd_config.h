@@ -48,6 +48,8 @@ struct conf_interface {
 struct lynd_config {
     bool enable;
     bool shadow;  // decide and tell, steer nothing
+    bool syslog;         // log lines go to syslog instead of the console
+    bool log_decisions;  // a log line per decision, at the default level
     uint64_t n_bridges;
     conf_bridge bridges[LYND_MAX_BRIDGES];
     uint64_t n_interfaces;

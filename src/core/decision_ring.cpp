@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "core/log.h"
 #include "platform/seams.h"
 
 decision_ring g_decisions;
@@ -21,6 +22,8 @@ void copy_text(char* dst, size_t size, const char* src) {
 
 void decision_ring_reset() { g_decisions = decision_ring{}; }
 
+void decision_ring_log_lines(bool on) { g_decisions.log_lines = on; }
+
 int64_t lynd_monotonic_ms() {
     timespec t = lynd::host().monotonic_now();
     return static_cast<int64_t>(t.tv_sec) * 1000 + t.tv_nsec / 1000000;
@@ -36,6 +39,9 @@ void decision_record(uint8_t kind, const char* subject, const char* from, const 
     copy_text(d.from, sizeof d.from, from);
     copy_text(d.to, sizeof d.to, to);
     d.reason = reason != nullptr ? reason : "";
+    if (g_decisions.log_lines)
+        LYND_DECISION("%s %s %s -> %s: %s", decision_kind_names[kind < 4 ? kind : 0], d.subject,
+                      d.from[0] != '\0' ? d.from : "none", d.to[0] != '\0' ? d.to : "none", d.reason);
 }
 
 void decision_record_port(uint8_t kind, const char* subject, uint32_t before, uint32_t after, const char* reason) {

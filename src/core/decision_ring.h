@@ -31,9 +31,11 @@ struct decision {
 struct decision_ring {
     decision entries[DECISION_RING_SIZE];
     uint32_t next_seq;
+    bool log_lines;  // each decision is also a log line
 };
 extern decision_ring g_decisions;
 void decision_ring_reset();
+void decision_ring_log_lines(bool on);
 
 // Texts longer than their field are cut, always terminated.
 void decision_record(uint8_t kind, const char* subject, const char* from, const char* to, const char* reason);

@@ -22,6 +22,11 @@ void lynd_printf(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 [[noreturn]] void lynd_fatal_exit();
 
+// Lines go to the system log instead of the console (off by default).
+void lynd_log_to_syslog(bool on);
+// The syslog priority of a line by its level tag (LOG_INFO when it has none).
+int lynd_log_priority(const char* line);
+
 inline bool lynd_log_on(int level) { return g_lynd_dgb_lvl >= level; }
 
 // fn names the operation a line belongs to; a helper that logs on behalf of
@@ -40,14 +45,20 @@ inline bool lynd_log_on(int level) { return g_lynd_dgb_lvl >= level; }
 #define LYND_DEBUG(fmt, ...) LYND_LOG_AT(LYND_LVL_DEBUG, "<LYND_DEBUG>", fmt, ##__VA_ARGS__)
 #define LYND_TRACE(fmt, ...) LYND_LOG_AT(LYND_LVL_TRACE, "<LYND_TRACE>", fmt, ##__VA_ARGS__)
 
+// A decision as it is made (opt-in): printed from the default level on.
+#define LYND_DECISION(fmt, ...) LYND_LOG_AT(LYND_LVL_ERR, "<LYND_DECISION>", fmt, ##__VA_ARGS__)
+
 #define LYND_ERR_AS(fn, fmt, ...) LYND_LOG_AT_FN(LYND_LVL_ERR, "<LYND_ERR>", fn, fmt, ##__VA_ARGS__)
 #define LYND_WARN_AS(fn, fmt, ...) LYND_LOG_AT_FN(LYND_LVL_WARN, "<LYND_WARN>", fn, fmt, ##__VA_ARGS__)
 #define LYND_INFO_AS(fn, fmt, ...) LYND_LOG_AT_FN(LYND_LVL_INFO, "<LYND_INFO>", fn, fmt, ##__VA_ARGS__)
 #define LYND_LOG_AS(fn, fmt, ...) LYND_LOG_AT_FN(LYND_LVL_LOG, "<LYND_LOG>", fn, fmt, ##__VA_ARGS__)
 #define LYND_DEBUG_AS(fn, fmt, ...) LYND_LOG_AT_FN(LYND_LVL_DEBUG, "<LYND_DEBUG>", fn, fmt, ##__VA_ARGS__)
 
-#define LYND_FATAL(fmt, ...)                                                         \
-    do {                                                                             \
-        lynd_printf("<LYND_FATAL>[%s, %d] " fmt, __func__, __LINE__, ##__VA_ARGS__); \
-        lynd_fatal_exit();                                                           \
+// A FATAL line that more lines follow before the exit.
+#define LYND_FATAL_LINE(fmt, ...) lynd_printf("<LYND_FATAL>[%s, %d] " fmt, __func__, __LINE__, ##__VA_ARGS__)
+
+#define LYND_FATAL(fmt, ...)                   \
+    do {                                       \
+        LYND_FATAL_LINE(fmt, ##__VA_ARGS__);   \
+        lynd_fatal_exit();                     \
     } while (0)

@@ -82,6 +82,7 @@ int lynd_main_with(int argc, char** argv, const lynd_module_table& modules) {
         return 0;
     }
     lynd_set_shadow_mode(conf->shadow);
+    decision_ring_log_lines(conf->log_decisions);
     traffic_separation_config_load(conf);
     config_dump(conf);
     config_bridge(conf);

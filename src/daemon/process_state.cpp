@@ -26,4 +26,5 @@ void lynd_process_state_reset() {
     decision_ring_reset();
     lynd_shadow_reset();
     lynd_counters_reset();
+    lynd_log_to_syslog(false);
 }

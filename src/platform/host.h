@@ -22,6 +22,9 @@ public:
 
     // The log sink: one formatted line, newline included.
     virtual void console_write(const char* line, size_t len) = 0;
+    // The system log instead: one line without its newline, at a syslog
+    // priority (LOG_ERR, ...).
+    virtual void syslog_write(int priority, const char* line, size_t len) = 0;
 
     virtual unsigned if_nametoindex(const char* name) = 0;
     virtual HwAddrResult get_hwaddr(const char* ifname, uint8_t* mac) = 0;
@@ -30,6 +33,8 @@ public:
 
     // Reads at most size bytes of path into buf; -1 when it cannot be opened.
     virtual long read_file(const char* path, char* buf, size_t size) = 0;
+    // The size of path in bytes; -1 when it cannot be looked at.
+    virtual long file_size(const char* path) = 0;
     // Replaces path with data (written whole, then renamed into place).
     virtual bool write_file(const char* path, const char* data, size_t len) = 0;
 

@@ -1,6 +1,7 @@
 #include <cstring>
 
 #include "bridge/port_inventory.h"
+#include "config/config.h"
 #include "config/lynd_config.h"
 #include "core/decision_ring.h"
 #include "core/log.h"
@@ -75,10 +76,23 @@ bool skip_path(const lynd_config* conf, const conf_interface& i) {
     return false;
 }
 
+// One slot per type: a later interface of the type takes it over.
+void note_dropped(const hc_path& p, const conf_interface& i) {
+    if (p.name[0] == '\0')
+        return;
+    if (p.path)
+        LYND_WARN_AS(kFn, "path %s dropped: %s takes the only %s path slot", p.name, i.name,
+                     config_if_type_name(i.type));
+    else
+        LYND_INFO_AS(kFn, "non-relay %s is not a path: %s takes the only %s path slot", p.name, i.name,
+                     config_if_type_name(i.type));
+}
+
 void init_path(const lynd_config* conf, const conf_interface& i) {
     if (i.type >= IF_TYPE_MAX || skip_path(conf, i))
         return;
     hc_path* p = &hc_paths[i.type];
+    note_dropped(*p, i);
     copy_name(p->name, i.name);
     p->type = static_cast<uint8_t>(i.type);
     p->path = i.path ? 1 : 0;

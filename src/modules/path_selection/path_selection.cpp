@@ -28,7 +28,9 @@ void arm_period(ps_module* m) {
     if (period == 0) {
         // A zero period would fire the timer back to back.
         if (!m->idle_period_said)
-            LYND_WARN_AS(kArmFn, "period is 0 (no \"param\" in the configuration): the period timer stays idle");
+            LYND_WARN_AS(kArmFn,
+                         "period is 0 (\"param\" or its \"period\" missing, 0 or not a number): the period timer "
+                         "stays idle");
         m->idle_period_said = true;
         return;
     }

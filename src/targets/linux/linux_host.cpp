@@ -8,6 +8,7 @@
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <syslog.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -104,7 +105,7 @@ int LinuxHost::run_status(const char* const argv[]) {
 void LinuxHost::console_write(const char* line, size_t len) {
     if (console_path_ != nullptr) {
         if (console_fd_ < 0)
-            console_fd_ = ::open(console_path_, O_WRONLY | O_NOCTTY | O_CLOEXEC);
+            console_fd_ = ::open(console_path_, O_WRONLY | O_APPEND | O_NOCTTY | O_CLOEXEC);
         if (console_fd_ >= 0 && write_all(console_fd_, line, len))
             return;
         // No console: standard error, which procd hands to the system log.
@@ -115,10 +116,25 @@ void LinuxHost::console_write(const char* line, size_t len) {
     (void)write_all(STDERR_FILENO, line, len);
 }
 
+void LinuxHost::syslog_write(int priority, const char* line, size_t len) {
+    if (!syslog_open_) {
+        ::openlog("lynd", LOG_PID, LOG_DAEMON);
+        syslog_open_ = true;
+    }
+    ::syslog(priority, "%.*s", static_cast<int>(len), line);
+}
+
 unsigned LinuxHost::if_nametoindex(const char* name) { return ::if_nametoindex(name); }
 
 bool LinuxHost::if_indextoname(unsigned ifindex, char* name) {
     return ::if_indextoname(ifindex, name) != nullptr;
+}
+
+long LinuxHost::file_size(const char* path) {
+    struct stat st;
+    if (::stat(path, &st) != 0)
+        return -1;
+    return static_cast<long>(st.st_size);
 }
 
 long LinuxHost::read_file(const char* path, char* buf, size_t size) {

@@ -1,5 +1,7 @@
 #include "targets/openwrt/uci_store_libuci.h"
 
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 extern "C" {
@@ -10,10 +12,22 @@ namespace lynd {
 
 namespace {
 
+// libuci's own message, one line on standard error. uci_perror would append
+// a newline to a static buffer on every call and, after about 127 calls,
+// write past it; the allocating form leaves that buffer alone.
+void report_lookup_error(uci_context* ctx) {
+    char* text = nullptr;
+    uci_get_errorstr(ctx, &text, "lookup ptr");
+    if (text == nullptr)
+        return;
+    std::fprintf(stderr, "%.*s\n", static_cast<int>(std::strcspn(text, "\n")), text);
+    std::free(text);
+}
+
 UciResult lookup(uci_context* ctx, char* path, char* value, size_t size) {
     uci_ptr ptr{};
     if (uci_lookup_ptr(ctx, &ptr, path, true) != UCI_OK) {
-        uci_perror(ctx, "lookup ptr");
+        report_lookup_error(ctx);
         return UciResult::LOOKUP_FAILED;
     }
     // A list has no single value: it counts as absent.
