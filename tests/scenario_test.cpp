@@ -6,6 +6,7 @@
 #include <iterator>
 #include <string>
 
+#include "event/netlink_datagram.h"
 #include "sim/report.h"
 #include "sim/scenario.h"
 #include "sim/sim_node.h"
@@ -16,6 +17,8 @@
 namespace {
 
 using lynd::Scenario;
+
+const uint8_t* bytes(const std::string& s) { return reinterpret_cast<const uint8_t*>(s.data()); }
 
 TEST(ScenarioParse, DefaultsAndNode) {
     Scenario sc;
@@ -111,8 +114,8 @@ TEST(ScenarioParse, NetlinkEntriesBecomeDatagrams) {
         << error;
     ASSERT_EQ(3u, sc.timeline.size());
     EXPECT_EQ(16u, sc.timeline[0].data.size());
-    EXPECT_EQ(11, sc.timeline[0].data[4]);
-    EXPECT_EQ(static_cast<char>(200), sc.timeline[1].data[0]);
+    EXPECT_EQ(11, nl_first_msg_type(bytes(sc.timeline[0].data), 16));
+    EXPECT_EQ(200u, nl_first_msg_len(bytes(sc.timeline[1].data), 18));
     EXPECT_EQ("\xaa\xbb", sc.timeline[1].data.substr(16));
     EXPECT_EQ(std::string("\x01\x02"), sc.timeline[2].data);
 }

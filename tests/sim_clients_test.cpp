@@ -5,6 +5,7 @@
 
 #include "bridge/table_entries.h"
 #include "event/bridge_events.h"
+#include "event/netlink_datagram.h"
 #include "sim/sim_clients.h"
 #include "sim/wlan_platform_sim.h"
 #include "sim_fixture.h"
@@ -103,10 +104,10 @@ TEST_F(SimClientsTest, AFlushedTableRefillsTowardsThePreferredPortAndIsAnnounced
     // Each entry the bridge learnt went out as a type-3 message: the node's
     // own and the join, then both again at the refill.
     int announced = 0;
-    char buf[256];
+    uint8_t buf[256];
     for (long n; (n = host.nl_recv(fd, buf, sizeof buf)) > 0; announced++) {
         ASSERT_EQ(16 + HC_ENTRY_SIZE, n);
-        EXPECT_EQ(3, buf[4]);
+        EXPECT_EQ(3, nl_first_msg_type(buf, static_cast<size_t>(n)));
     }
     EXPECT_EQ(4, announced);
 }
