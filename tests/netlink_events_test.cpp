@@ -117,7 +117,7 @@ TEST_F(NetlinkEventsTest, TheTypeIsReadWhateverTheFlags) {
     nlmsghdr h{};
     h.nlmsg_len = 20;
     h.nlmsg_type = 3;
-    h.nlmsg_flags = NLM_F_REQUEST | NLM_F_MULTI;
+    h.nlmsg_flags = NLM_F_MULTI | NLM_F_ACK;  // 6: reading the wrong half shows
     h.nlmsg_seq = 0x01020304;
     h.nlmsg_pid = 4242;
     hyfi(std::string(reinterpret_cast<const char*>(&h), sizeof h) + "ABCD");
