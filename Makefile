@@ -2,13 +2,15 @@
 BUILD        ?= build
 ASAN_BUILD   ?= build-asan
 FUZZ_BUILD   ?= build-fuzz
+CROSS_BUILD  ?= build-cross
 JOBS         ?= $(shell nproc 2>/dev/null || echo 2)
 FUZZ_SECONDS ?= 10
 SCENARIO     ?= scenarios/demo.json
 TIMELINE     ?=
 CMAKE_ARGS   ?=
+ARCH          = armhf mipsel s390x  # not from the environment: make cross-test ARCH=mipsel
 
-.PHONY: all deps build run test test-plain test-asan fuzz bench callgrind clean
+.PHONY: all deps build run test test-plain test-asan fuzz cross-test bench callgrind clean
 
 all: build
 
@@ -42,6 +44,10 @@ fuzz: deps
 		tools/run-fuzzers $(FUZZ_BUILD) $(FUZZ_SECONDS); \
 	else echo "fuzz: clang++ not found, fuzz targets skipped"; fi
 
+# The suite on other CPUs: Debian cross compilers, run under qemu-user.
+cross-test:
+	CROSS_BUILD=$(CROSS_BUILD) JOBS=$(JOBS) tools/cross-test $(ARCH)
+
 bench: deps
 	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DLYND_BENCH=ON $(CMAKE_ARGS)
 	cmake --build $(BUILD) -j $(JOBS) --target lynd_bench
@@ -52,4 +58,4 @@ callgrind: bench
 	tools/period-instructions $(BUILD)
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD)
+	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) $(CROSS_BUILD)

@@ -133,4 +133,21 @@ TEST(LinuxHostConsole, AWorkingConsoleLeavesStandardErrorAlone) {
     EXPECT_EQ("", stderr_of_console_write("/dev/null", "<LYND_INFO>[z, 3] fine\n"));
 }
 
+// A tool that cannot be run is -1, told apart from one that ran and failed,
+// whatever the C library or an emulator makes of the exec.
+TEST_F(LinuxHostFiles, AToolThatCannotBeRunIsMinusOne) {
+    const std::string plain = dir + "/state";
+    { std::ofstream(plain) << "not a program"; }
+    const char* const missing[] = {"/nonexistent/tool", nullptr};
+    const char* const unnamed[] = {"lynd-no-such-tool", nullptr};
+    const char* const not_executable[] = {plain.c_str(), nullptr};
+    char out[16] = {};
+    for (const char* const* argv : {missing, unnamed, not_executable}) {
+        EXPECT_EQ(-1, host.run_status(argv)) << argv[0];
+        EXPECT_EQ(-1, host.run_capture(argv, out, sizeof out)) << argv[0];
+    }
+    const char* const exits_127[] = {"sh", "-c", "exit 127", nullptr};
+    EXPECT_EQ(127, host.run_status(exits_127));
+}
+
 }  // namespace

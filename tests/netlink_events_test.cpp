@@ -1,3 +1,5 @@
+#include <linux/netlink.h>
+
 #include <cerrno>
 #include <cstring>
 #include <string>
@@ -20,10 +22,10 @@ std::string nlmsg(uint32_t len, uint16_t type, const std::string& body) {
     return m + body;
 }
 
-std::string le16(uint16_t v) { return std::string(reinterpret_cast<const char*>(&v), 2); }
+std::string u16_bytes(uint16_t v) { return std::string(reinterpret_cast<const char*>(&v), 2); }
 
 std::string iw_event(uint16_t len, uint16_t cmd) {
-    std::string e = le16(len) + le16(cmd);
+    std::string e = u16_bytes(len) + u16_bytes(cmd);
     return e + std::string(len > 4 ? len - 4 : 0, '\0');
 }
 
@@ -31,7 +33,7 @@ std::string iw_event(uint16_t len, uint16_t cmd) {
 std::string newlink(uint32_t ifindex, const std::string& events, uint16_t type = NL_RTM_NEWLINK) {
     std::string ifi(16, '\0');
     std::memcpy(&ifi[4], &ifindex, 4);
-    std::string attr = le16(static_cast<uint16_t>(4 + events.size())) + le16(NL_IFLA_WIRELESS) + events;
+    std::string attr = u16_bytes(static_cast<uint16_t>(4 + events.size())) + u16_bytes(NL_IFLA_WIRELESS) + events;
     attr.resize((attr.size() + 3) & ~size_t(3), '\0');
     std::string body = ifi + attr;
     return nlmsg(static_cast<uint32_t>(16 + body.size()), type, body);
@@ -110,8 +112,22 @@ TEST_F(NetlinkEventsTest, CompleteFirstMessageIsDelivered) {
     EXPECT_EQ("ABCD", g_bodies[0]);
 }
 
+// The type is a field of its own beside the flags, on either byte order.
+TEST_F(NetlinkEventsTest, TheTypeIsReadWhateverTheFlags) {
+    nlmsghdr h{};
+    h.nlmsg_len = 20;
+    h.nlmsg_type = 3;
+    h.nlmsg_flags = NLM_F_MULTI | NLM_F_ACK;  // 6: reading the wrong half shows
+    h.nlmsg_seq = 0x01020304;
+    h.nlmsg_pid = 4242;
+    hyfi(std::string(reinterpret_cast<const char*>(&h), sizeof h) + "ABCD");
+    ASSERT_EQ(1u, g_events.size());
+    EXPECT_EQ(3u, g_events[0].msg_type);
+    EXPECT_EQ("ABCD", g_bodies[0]);
+}
+
 TEST_F(NetlinkEventsTest, ShortOrLyingDatagramsAreDroppedWithALine) {
-    hyfi(std::string("\x0a\0\0\0\0\0\0\0\0\0", 10));
+    hyfi(nlmsg(10, 0, "").substr(0, 10));
     EXPECT_TRUE(host.logged("] NLMSG_OK(nlh[10], len[10])"));
     hyfi(nlmsg(200, 3, std::string(84, 'x')));
     EXPECT_TRUE(host.logged("] NLMSG_OK(nlh[200], len[100])"));
@@ -195,9 +211,9 @@ TEST_F(NetlinkEventsTest, WalksStopAtTheEndOfWhatArrived) {
     EXPECT_FALSE(__isDisassociateEvent(p, ev.size() - 1));  // record runs past the end
     EXPECT_FALSE(__isDisassociateEvent(p, 7));
     // Attributes: zero length, length past the end, a later one replacing.
-    std::string zero = le16(0) + le16(NL_IFLA_WIRELESS) + ev;
+    std::string zero = u16_bytes(0) + u16_bytes(NL_IFLA_WIRELESS) + ev;
     EXPECT_FALSE(nl_wifi_parse_attrs(reinterpret_cast<const uint8_t*>(zero.data()), zero.size()));
-    std::string two = le16(24) + le16(NL_IFLA_WIRELESS) + ev + le16(24) + le16(NL_IFLA_WIRELESS) + iw_event(20, 1);
+    std::string two = u16_bytes(24) + u16_bytes(NL_IFLA_WIRELESS) + ev + u16_bytes(24) + u16_bytes(NL_IFLA_WIRELESS) + iw_event(20, 1);
     EXPECT_FALSE(nl_wifi_parse_attrs(reinterpret_cast<const uint8_t*>(two.data()), two.size()));
     EXPECT_TRUE(nl_wifi_parse_attrs(reinterpret_cast<const uint8_t*>(two.data()), two.size() - 1));
 }

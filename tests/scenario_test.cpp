@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "event/netlink_datagram.h"
 #include "sim/netlink_craft.h"
 #include "sim/report.h"
 #include "sim/scenario.h"
@@ -19,6 +20,8 @@
 namespace {
 
 using lynd::Scenario;
+
+const uint8_t* bytes(const std::string& s) { return reinterpret_cast<const uint8_t*>(s.data()); }
 
 TEST(ScenarioParse, DefaultsAndNode) {
     Scenario sc;
@@ -114,8 +117,8 @@ TEST(ScenarioParse, NetlinkEntriesBecomeDatagrams) {
         << error;
     ASSERT_EQ(3u, sc.timeline.size());
     EXPECT_EQ(16u, sc.timeline[0].data.size());
-    EXPECT_EQ(11, sc.timeline[0].data[4]);
-    EXPECT_EQ(static_cast<char>(200), sc.timeline[1].data[0]);
+    EXPECT_EQ(11, nl_first_msg_type(bytes(sc.timeline[0].data), 16));
+    EXPECT_EQ(200u, nl_first_msg_len(bytes(sc.timeline[1].data), 18));
     EXPECT_EQ("\xaa\xbb", sc.timeline[1].data.substr(16));
     EXPECT_EQ(std::string("\x01\x02"), sc.timeline[2].data);
 }

@@ -6,6 +6,7 @@
 
 #include "bridge/table_entries.h"
 #include "event/bridge_events.h"
+#include "event/netlink_datagram.h"
 #include "sim/sim_clients.h"
 #include "sim/wlan_platform_sim.h"
 #include "sim_fixture.h"
@@ -47,10 +48,10 @@ protected:
     // Type-3 messages waiting on fd, each checked for its size.
     int announcements(int fd) {
         int n = 0;
-        char buf[256];
+        uint8_t buf[256];
         for (long len; (len = host.nl_recv(fd, buf, sizeof buf)) > 0; n++) {
             EXPECT_EQ(16 + HC_ENTRY_SIZE, len);
-            EXPECT_EQ(3, buf[4]);
+            EXPECT_EQ(3, nl_first_msg_type(buf, static_cast<size_t>(len)));
         }
         return n;
     }

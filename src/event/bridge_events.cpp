@@ -7,6 +7,7 @@
 #include "bridge/port_inventory.h"
 #include "config/lynd_config.h"
 #include "core/counters.h"
+#include "core/list.h"
 #include "core/log.h"
 #include "event/event_dispatch.h"
 #include "event/netlink_datagram.h"
@@ -18,7 +19,7 @@ namespace {
 constexpr int KREL_EVENT_TYPE = 3;
 
 event_hub* hub_of_hyfi_fd(lynd::LoopFd* f) {
-    return reinterpret_cast<event_hub*>(reinterpret_cast<char*>(f) - offsetof(event_hub, hyfi_fd));
+    return static_cast<event_hub*>(lynd_container_of(f, offsetof(event_hub, hyfi_fd)));
 }
 
 }  // namespace

@@ -1,5 +1,8 @@
 #include "event/netlink_datagram.h"
 
+#include <linux/netlink.h>
+
+#include <cstddef>
 #include <cstring>
 
 #include "core/log.h"
@@ -10,22 +13,27 @@ namespace {
 constexpr size_t RTATTR_HEADER_LEN = 4;
 constexpr size_t IW_EVENT_MIN_LEN = 8;
 
-// Reads as much of a field as arrived; the rest reads as zero.
-uint32_t read_u32_padded(const uint8_t* buf, size_t n, size_t off) {
-    uint32_t v = 0;
+// Reads as much of a field as arrived; the rest reads as zero, as in the
+// zeroed receive buffer.
+void read_padded(const uint8_t* buf, size_t n, size_t off, void* field, size_t width) {
     if (off < n)
-        std::memcpy(&v, buf + off, n - off < sizeof v ? n - off : sizeof v);
-    return v;
+        std::memcpy(field, buf + off, n - off < width ? n - off : width);
 }
 
 size_t align4(size_t len) { return (len + 3) & ~static_cast<size_t>(3); }
 
 }  // namespace
 
-uint32_t nl_first_msg_len(const uint8_t* buf, size_t n) { return read_u32_padded(buf, n, 0); }
+uint32_t nl_first_msg_len(const uint8_t* buf, size_t n) {
+    uint32_t len = 0;
+    read_padded(buf, n, offsetof(nlmsghdr, nlmsg_len), &len, sizeof len);
+    return len;
+}
 
 uint16_t nl_first_msg_type(const uint8_t* buf, size_t n) {
-    return static_cast<uint16_t>(read_u32_padded(buf, n, 4) & 0xffff);
+    uint16_t type = 0;
+    read_padded(buf, n, offsetof(nlmsghdr, nlmsg_type), &type, sizeof type);
+    return type;
 }
 
 bool nl_first_msg_ok(const uint8_t* buf, size_t n) {

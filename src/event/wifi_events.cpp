@@ -6,6 +6,7 @@
 #include "bridge/port_inventory.h"
 #include "config/config.h"
 #include "core/counters.h"
+#include "core/list.h"
 #include "core/log.h"
 #include "core/wire.h"
 #include "event/event_dispatch.h"
@@ -18,7 +19,7 @@ constexpr size_t IFINFOMSG_INDEX_OFFSET = NLMSG_HEADER_LEN + 4;
 constexpr size_t IFLA_ATTRS_OFFSET = NLMSG_HEADER_LEN + 16;
 
 event_hub* hub_of_wifi_fd(lynd::LoopFd* f) {
-    return reinterpret_cast<event_hub*>(reinterpret_cast<char*>(f) - offsetof(event_hub, wifi_fd));
+    return static_cast<event_hub*>(lynd_container_of(f, offsetof(event_hub, wifi_fd)));
 }
 
 [[noreturn]] void wifi_fatal_closing(int fd, const char* step, int err) {

@@ -8,8 +8,11 @@
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+<<<<<<< HEAD
 #include <syslog.h>
 #include <spawn.h>
+=======
+>>>>>>> issue-18
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -19,27 +22,9 @@
 #include <cstdlib>
 #include <cstring>
 
-extern char** environ;
-
 namespace lynd {
 
 namespace {
-
-// Starts argv with its standard output on out_fd (-1: inherited).
-pid_t spawn(const char* const argv[], int out_fd, int close_fd) {
-    posix_spawn_file_actions_t fa;
-    if (posix_spawn_file_actions_init(&fa) != 0)
-        return -1;
-    if (out_fd >= 0) {
-        posix_spawn_file_actions_adddup2(&fa, out_fd, STDOUT_FILENO);
-        posix_spawn_file_actions_addclose(&fa, out_fd);
-        posix_spawn_file_actions_addclose(&fa, close_fd);
-    }
-    pid_t pid = -1;
-    int rc = posix_spawnp(&pid, argv[0], &fa, nullptr, const_cast<char* const*>(argv), environ);
-    posix_spawn_file_actions_destroy(&fa);
-    return rc == 0 ? pid : -1;
-}
 
 int wait_status(pid_t pid) {
     int status = 0;
@@ -50,6 +35,47 @@ int wait_status(pid_t pid) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
+// The child's half of spawn: its standard output, the tool, and on failure
+// the reason through report.
+[[noreturn]] void exec_child(const char* const argv[], int out_fd, int report) {
+    if (out_fd < 0 || dup2(out_fd, STDOUT_FILENO) >= 0)
+        execvp(argv[0], const_cast<char* const*>(argv));
+    int err = errno;
+    ssize_t ignored = ::write(report, &err, sizeof err);
+    (void)ignored;
+    _exit(127);
+}
+
+// True when the child wrote why its exec failed; a successful exec closes
+// the pipe unwritten.
+bool exec_failed(int report) {
+    int err = 0;
+    ssize_t n;
+    do
+        n = ::read(report, &err, sizeof err);
+    while (n < 0 && errno == EINTR);
+    return n != 0;
+}
+
+// Starts argv with its standard output on out_fd (-1: inherited); -1 when it
+// could not be run. The child says so itself through a pipe that a successful
+// exec closes: what posix_spawn reports differs between C libraries and is
+// lost under an emulator. Every descriptor passed is close-on-exec.
+pid_t spawn(const char* const argv[], int out_fd) {
+    int report[2];
+    if (pipe2(report, O_CLOEXEC) != 0)
+        return -1;
+    pid_t pid = fork();
+    if (pid == 0)
+        exec_child(argv, out_fd, report[1]);
+    ::close(report[1]);
+    if (pid > 0 && exec_failed(report[0])) {
+        (void)wait_status(pid);
+        pid = -1;
+    }
+    ::close(report[0]);
+    return pid;
+}
 
 // Whole or not at all; false after a short write.
 bool write_all(int fd, const char* data, size_t len) {
@@ -78,7 +104,7 @@ int LinuxHost::run_capture(const char* const argv[], char* out, size_t size) {
     int fds[2];
     if (pipe2(fds, O_CLOEXEC) != 0)
         return -1;
-    pid_t pid = spawn(argv, fds[1], fds[0]);
+    pid_t pid = spawn(argv, fds[1]);
     ::close(fds[1]);
     if (pid < 0) {
         ::close(fds[0]);
@@ -98,7 +124,7 @@ int LinuxHost::run_capture(const char* const argv[], char* out, size_t size) {
 }
 
 int LinuxHost::run_status(const char* const argv[]) {
-    pid_t pid = spawn(argv, -1, -1);
+    pid_t pid = spawn(argv, -1);
     return pid < 0 ? -1 : wait_status(pid);
 }
 
