@@ -8,11 +8,7 @@
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-<<<<<<< HEAD
 #include <syslog.h>
-#include <spawn.h>
-=======
->>>>>>> issue-18
 #include <sys/wait.h>
 #include <unistd.h>
 
