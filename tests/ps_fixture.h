@@ -6,6 +6,7 @@
 
 #include "conf_builder.h"
 #include "modules/path_selection/hc_records.h"
+#include "modules/path_selection/preferred_guard.h"
 #include "sim/wlan_platform_sim.h"
 #include "sim_fixture.h"
 
@@ -25,6 +26,7 @@ protected:
         conf.param.adjusted_ratio = 50;
         conf.param.period = 10000;
         path_selection_state_reset();
+        preferred_guard_reset();
         g_ps_conf = &conf;
         path(IF_TYPE_2G, "ath02", 1);
         path(IF_TYPE_5G, "ath12", 3);
