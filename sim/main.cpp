@@ -1,6 +1,7 @@
 // lynd-sim: the daemon on a simulated node.
-//   lynd-sim run [--out DIR] [--timeline FILE.svg] SCENARIO [daemon options]
+//   lynd-sim run [--out DIR] [--timeline FILE.svg] [--record FILE] SCENARIO [daemon options]
 //   lynd-sim check SCENARIO...
+//   lynd-sim replay TRACE [daemon options]
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -15,11 +16,13 @@
 #include <vector>
 
 #include "sim/bus_calls_file.h"
+#include "sim/replay_run.h"
 #include "sim/report.h"
 #include "sim/scenario.h"
 #include "sim/sim_node.h"
 #include "sim/state_dir.h"
 #include "sim/timeline_trace.h"
+#include "trace/trace_recorder.h"
 
 namespace {
 
@@ -70,6 +73,12 @@ int conclude(const lynd::RunOutcome& o) {
 
 // Fatal start-up errors exit with status 1 on the spot, as on the router.
 void on_daemon_exit() {
+    if (lynd::replay_active()) {
+        lynd::ReplayResult r = lynd::replay_conclude(1);
+        std::fputs(r.report.c_str(), stdout);
+        std::fflush(stdout);
+        _exit(r.identical ? 0 : 1);
+    }
     if (g_active.node == nullptr)
         return;
     int status = conclude(g_active.node->finish(1));
@@ -95,7 +104,12 @@ bool load(const char* path, lynd::Scenario* sc, std::string* error) {
 struct RunFiles {
     const char* out_dir = nullptr;
     const char* timeline = nullptr;
+    const char* record = nullptr;
 };
+
+// A simulated run's trace is not bounded as a router's is: the whole run
+// stays replayable.
+constexpr size_t kSimTraceSize = size_t{1} << 40;
 
 int run_one(const lynd::Scenario& sc, Mode mode, const RunFiles& files, const std::vector<std::string>& extra) {
     lynd::SimNode node(sc);
@@ -111,11 +125,20 @@ int run_one(const lynd::Scenario& sc, Mode mode, const RunFiles& files, const st
 
 int run(int argc, char** argv) {
     RunFiles files;
-    while (argc >= 2 && (std::strcmp(argv[0], "--out") == 0 || std::strcmp(argv[0], "--timeline") == 0)) {
-        (std::strcmp(argv[0], "--out") == 0 ? files.out_dir : files.timeline) = argv[1];
+    while (argc >= 2 && argv[0][0] == '-' && argv[0][1] == '-') {
+        if (std::strcmp(argv[0], "--out") == 0)
+            files.out_dir = argv[1];
+        else if (std::strcmp(argv[0], "--timeline") == 0)
+            files.timeline = argv[1];
+        else if (std::strcmp(argv[0], "--record") == 0)
+            files.record = argv[1];
+        else
+            return -1;
         argc -= 2;
         argv += 2;
     }
+    if (files.record != nullptr)
+        lynd::trace_request(files.record, kSimTraceSize);
     if (argc < 1)
         return -1;
     lynd::Scenario sc;
@@ -172,10 +195,25 @@ int check(int argc, char** argv) {
     return failed == 0 ? 0 : 1;
 }
 
+int replay(int argc, char** argv) {
+    lynd::Trace trace;
+    std::string error;
+    if (!lynd::trace_load(argv[0], &trace, &error)) {
+        std::fprintf(stderr, "lynd-sim: %s: %s\n", argv[0], error.c_str());
+        return 2;
+    }
+    lynd::ReplayResult r = lynd::replay_trace(trace, std::vector<std::string>(argv + 1, argv + argc));
+    std::fputs(r.report.c_str(), r.exit_status == 2 ? stderr : stdout);
+    if (r.exit_status == 2 && !r.identical)
+        return 2;
+    return r.identical ? 0 : 1;
+}
+
 int usage() {
     std::fprintf(stderr,
-                 "usage: lynd-sim run [--out DIR] [--timeline FILE.svg] SCENARIO [daemon options]\n"
-                 "       lynd-sim check SCENARIO...\n");
+                 "usage: lynd-sim run [--out DIR] [--timeline FILE.svg] [--record TRACE] SCENARIO [daemon options]\n"
+                 "       lynd-sim check SCENARIO...\n"
+                 "       lynd-sim replay TRACE [daemon options]\n");
     return 2;
 }
 
@@ -188,5 +226,7 @@ int main(int argc, char** argv) {
         status = run(argc - 2, argv + 2);
     else if (argc >= 3 && std::strcmp(argv[1], "check") == 0)
         status = check(argc - 2, argv + 2);
+    else if (argc >= 3 && std::strcmp(argv[1], "replay") == 0)
+        status = replay(argc - 2, argv + 2);
     return status < 0 ? usage() : status;
 }

@@ -4,6 +4,7 @@
 #include "core/vlan_name.h"
 #include "config/config.h"
 #include "config/config_param.h"
+#include "config/config_record.h"
 #include "config/json_read.h"
 #include "core/log.h"
 
@@ -149,6 +150,7 @@ config_parse_result config_parse(lynd_config* conf, const char* text, size_t len
     conf->n_interfaces = 0;
     conf->enable = json_bool_or(root, "enable", false);
     conf->shadow = json_bool_or(root, "shadow", false);
+    config_load_record(conf, root);
     config_parse_result rc = config_parse_result::OK;
     if (json_object* bridges = section(root, "bridges"))
         load_bridges(conf, bridges);

@@ -10,6 +10,7 @@
 
 constexpr int LYND_MAX_BRIDGES = 8;
 constexpr int LYND_MAX_INTERFACES = 128;
+constexpr int LYND_RECORD_PATH_LEN = 128;
 
 constexpr uint32_t BR_FLAG_LOOP_AVOIDANCE = 1u << 0;
 constexpr uint32_t BR_FLAG_PATH_SELECTION = 1u << 1;
@@ -48,6 +49,8 @@ struct conf_interface {
 struct lynd_config {
     bool enable;
     bool shadow;  // decide and tell, steer nothing
+    char record[LYND_RECORD_PATH_LEN];  // the trace file, empty for none
+    uint32_t record_size;               // bytes of each of its two files
     uint64_t n_bridges;
     conf_bridge bridges[LYND_MAX_BRIDGES];
     uint64_t n_interfaces;

@@ -1,0 +1,101 @@
+#include "sim/replay_loop.h"
+
+#include "trace/trace_kinds.h"
+
+namespace lynd {
+
+int ReplayLoop::rc_of(TraceLine& l, int def) {
+    const TraceRecord* r = tape_->take(l);
+    return r != nullptr ? static_cast<int>(r->num("rc", def)) : def;
+}
+
+int ReplayLoop::init() {
+    TraceLine& l = tape_->begin("loop_init");
+    l.num("id", 0);
+    return rc_of(l, -1);
+}
+
+void ReplayLoop::done() { (void)tape_->take(tape_->begin("loop_done")); }
+
+int ReplayLoop::timer_set(LoopTimer* t, int msecs) {
+    int id = timer_ids_.id_of(t);
+    TraceLine& l = tape_->begin("timer_set");
+    l.num("id", id);
+    l.num("ms", msecs);
+    int rc = rc_of(l, -1);
+    if (rc == 0) {
+        t->pending = true;
+        t->expires_ms = tape_->now_ms() + msecs;
+    }
+    return rc;
+}
+
+int ReplayLoop::timer_cancel(LoopTimer* t) {
+    TraceLine& l = tape_->begin("timer_cancel");
+    l.num("id", timer_ids_.find(t));
+    t->pending = false;
+    return rc_of(l, -1);
+}
+
+int64_t ReplayLoop::timer_remaining(const LoopTimer* t) {
+    TraceLine& l = tape_->begin("timer_left");
+    l.num("id", timer_ids_.find(t));
+    const TraceRecord* r = tape_->take(l);
+    return r != nullptr ? r->num("rc", -1) : -1;
+}
+
+int ReplayLoop::fd_add(LoopFd* f, unsigned events) {
+    int id = fd_ids_.id_of(f);
+    TraceLine& l = tape_->begin("fd_add");
+    l.num("id", id);
+    l.num("fd", f->fd);
+    l.num("ev", events);
+    int rc = rc_of(l, -1);
+    f->registered = rc == 0;
+    return rc;
+}
+
+int ReplayLoop::fd_delete(LoopFd* f) {
+    TraceLine& l = tape_->begin("fd_del");
+    l.num("id", fd_ids_.find(f));
+    f->registered = false;
+    return rc_of(l, -1);
+}
+
+void ReplayLoop::end() { (void)tape_->take(tape_->begin("loop_end")); }
+
+void ReplayLoop::dispatch(const TraceRecord& r) {
+    if (r.kind == "timer") {
+        auto* t = static_cast<LoopTimer*>(const_cast<void*>(timer_ids_.at(static_cast<int>(r.num("id", -1)))));
+        if (t == nullptr || !t->pending || t->cb == nullptr)
+            return tape_->diverge(trace_record_text(r), "no such timer armed");
+        t->pending = false;
+        t->cb(t);
+    } else if (r.kind == "fd") {
+        auto* f = static_cast<LoopFd*>(const_cast<void*>(fd_ids_.at(static_cast<int>(r.num("id", -1)))));
+        if (f == nullptr || !f->registered || f->cb == nullptr)
+            return tape_->diverge(trace_record_text(r), "no such descriptor watched");
+        f->cb(f, static_cast<unsigned>(r.num("ev")));
+    } else if (r.kind == "event") {
+        bus_->deliver(r);
+    } else if (r.kind == "call") {
+        bus_->call(r);
+    } else if (r.kind == "lost") {
+        bus_->lost();
+    }
+}
+
+void ReplayLoop::run() {
+    while (const TraceRecord* r = tape_->peek()) {
+        if (!trace_kind_is_dispatch(r->kind.c_str())) {
+            tape_->diverge(trace_record_text(*r), "the daemon waiting in its loop");
+            return;
+        }
+        (void)tape_->next();
+        if (r->kind == "run_end")
+            return;
+        dispatch(*r);
+    }
+}
+
+}  // namespace lynd

@@ -1,0 +1,125 @@
+#include "sim/replay_run.h"
+
+#include <cinttypes>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+
+#include "daemon/lynd_main.h"
+#include "platform/seams.h"
+#include "sim/replay_bus.h"
+#include "sim/replay_host.h"
+#include "sim/replay_krel.h"
+#include "sim/replay_loop.h"
+#include "trace/trace_recorder.h"
+#include "wlan/qca/wlan_platform_qca.h"
+
+namespace lynd {
+
+namespace {
+
+struct Active {
+    ReplayTape* tape = nullptr;
+} g_active;
+
+bool host_is_little() {
+    const uint16_t probe = 1;
+    uint8_t first;
+    std::memcpy(&first, &probe, 1);
+    return first == 1;
+}
+
+std::string seconds(int64_t ms) {
+    char b[32];
+    std::snprintf(b, sizeof b, "%" PRId64 ".%03d s", ms / 1000, static_cast<int>(ms % 1000));
+    return b;
+}
+
+// The records before the trace's end that the daemon never came to.
+size_t left_over(const ReplayTape& tape) {
+    const auto& recs = tape.trace().records;
+    size_t n = 0;
+    for (size_t i = tape.taken(); i < recs.size() && recs[i].kind != "stop" && recs[i].kind != "cut"; i++)
+        n++;
+    return n;
+}
+
+}  // namespace
+
+bool trace_load(const char* path, Trace* trace, std::string* error) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    if (!in) {
+        *error = "cannot read the file";
+        return false;
+    }
+    std::string s = text.str();
+    return trace_parse(s.data(), s.size(), trace, error);
+}
+
+bool replay_active() { return g_active.tape != nullptr; }
+
+ReplayResult replay_conclude(int exit_status) {
+    ReplayResult res;
+    ReplayTape& tape = *g_active.tape;
+    res.exit_status = exit_status;
+    res.records = tape.taken();
+    const Divergence& d = tape.divergence();
+    if (d.found) {
+        res.report = "DIVERGED at " + seconds(d.at_ms) + " (trace line " + std::to_string(d.line) +
+                     ")\n  expected: " + d.expected + "\n  actual:   " + d.actual + "\n  inputs just before:\n";
+        for (const auto& b : d.before)
+            res.report += "    " + b + "\n";
+    } else if (size_t rest = left_over(tape)) {
+        const TraceRecord& next = tape.trace().records[tape.taken()];
+        res.report = "DIVERGED at " + seconds(tape.now_ms()) + ": the daemon stopped with " + std::to_string(rest) +
+                     " records to go, next " + trace_record_text(next) + "\n";
+    } else {
+        res.identical = true;
+        res.report = "identical: " + std::to_string(res.records) + " records over " + seconds(tape.now_ms()) +
+                     ", exit status " + std::to_string(exit_status) + "\n";
+    }
+    g_active = Active{};
+    trace_forbid(false);
+    return res;
+}
+
+ReplayResult replay_trace(const Trace& trace, const std::vector<std::string>& extra) {
+    ReplayResult bad;
+    bad.exit_status = 2;
+    if (trace.header.start != "boot") {
+        bad.report = "the trace starts mid-run (" + trace.header.start +
+                     "): a replay needs a trace from the daemon's start\n";
+        return bad;
+    }
+    if ((trace.header.byte_order == "little") != host_is_little()) {
+        bad.report = "the trace was recorded on a " + trace.header.byte_order +
+                     "-endian host: its datagrams and tables cannot be replayed here\n";
+        return bad;
+    }
+    ReplayTape tape(trace);
+    ReplayBus bus(&tape);
+    ReplayLoop loop(&tape, &bus);
+    ReplayHost host(&tape);
+    ReplayUci uci(&tape);
+    ReplayKrel krel(&tape);
+    Seams before = install_seams({&loop, &host, &uci, &krel, &bus});
+    wlan_platform_ops = &wlan_platform_qca;
+    trace_forbid(true);
+    g_active.tape = &tape;
+
+    std::vector<std::string> args = trace.header.args;
+    args.insert(args.end(), extra.begin(), extra.end());
+    std::vector<char*> argv;
+    for (auto& a : args)
+        argv.push_back(&a[0]);
+    argv.push_back(nullptr);
+    int rc = lynd_main(static_cast<int>(args.size()), argv.data());
+    ReplayResult res = replay_conclude(rc);
+    (void)install_seams(before);
+    return res;
+}
+
+}  // namespace lynd
