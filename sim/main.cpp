@@ -2,6 +2,7 @@
 //   lynd-sim run [--out DIR] [--timeline FILE.svg] [--record FILE] SCENARIO [daemon options]
 //   lynd-sim check SCENARIO...
 //   lynd-sim replay TRACE [daemon options]
+//   lynd-sim roundtrip SCENARIO...   (record, replay, compare)
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -11,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -41,6 +43,7 @@ constexpr int kExitCheckFailed = 3;
 // Virtual time makes a run take well under a second; a child that is still
 // busy after this is stuck.
 constexpr unsigned kCheckTimeLimitS = 120;
+constexpr unsigned kRoundtripTimeLimitS = 900;
 
 void save_state(const char* dir) {
     std::string error;
@@ -209,11 +212,70 @@ int replay(int argc, char** argv) {
     return r.identical ? 0 : 1;
 }
 
+// Runs path in a child of its own (as check does) and returns how it ended.
+int in_child(const std::function<int()>& body) {
+    std::fflush(stdout);
+    pid_t pid = fork();
+    if (pid == 0) {
+        // A day's replay under the sanitizers takes minutes, not hours.
+        alarm(kRoundtripTimeLimitS);
+        int status = body();
+        std::fflush(stdout);
+        _exit(status);
+    }
+    int status = 0;
+    if (pid < 0 || waitpid(pid, &status, 0) != pid)
+        return -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// Records a scenario's run and replays it: both must agree to the byte.
+bool roundtrip_one(const char* path) {
+    lynd::Scenario sc;
+    std::string error;
+    if (!load(path, &sc, &error)) {
+        std::printf("FAIL %s: %s\n", path, error.c_str());
+        return false;
+    }
+    char dir[] = "/tmp/lynd-roundtrip-XXXXXX";
+    if (mkdtemp(dir) == nullptr) {
+        std::printf("FAIL %s: no temporary directory: %s\n", path, std::strerror(errno));
+        return false;
+    }
+    std::string trace = std::string(dir) + "/trace";
+    int recorded = in_child([&] {
+        lynd::trace_request(trace.c_str(), kSimTraceSize);
+        std::FILE* quiet = std::freopen("/dev/null", "w", stdout);
+        (void)quiet;
+        (void)run_one(sc, Mode::CHECK, RunFiles{}, {});
+        return 0;
+    });
+    std::printf("%s: ", sc.name.c_str());
+    int replayed = recorded < 0 ? -1 : in_child([&] {
+        char* argv[] = {&trace[0]};
+        return replay(1, argv);
+    });
+    (void)unlink(trace.c_str());
+    (void)rmdir(dir);
+    if (recorded < 0 || replayed != 0)
+        std::printf("FAIL (%s)\n", recorded < 0 ? "the recording run died" : "the replay differs");
+    return recorded >= 0 && replayed == 0;
+}
+
+int roundtrip(int argc, char** argv) {
+    int passed = 0, failed = 0;
+    for (int i = 0; i < argc; i++)
+        roundtrip_one(argv[i]) ? passed++ : failed++;
+    std::printf("%d identical, %d failed\n", passed, failed);
+    return failed == 0 ? 0 : 1;
+}
+
 int usage() {
     std::fprintf(stderr,
                  "usage: lynd-sim run [--out DIR] [--timeline FILE.svg] [--record TRACE] SCENARIO [daemon options]\n"
                  "       lynd-sim check SCENARIO...\n"
-                 "       lynd-sim replay TRACE [daemon options]\n");
+                 "       lynd-sim replay TRACE [daemon options]\n"
+                 "       lynd-sim roundtrip SCENARIO...\n");
     return 2;
 }
 
@@ -228,5 +290,7 @@ int main(int argc, char** argv) {
         status = check(argc - 2, argv + 2);
     else if (argc >= 3 && std::strcmp(argv[1], "replay") == 0)
         status = replay(argc - 2, argv + 2);
+    else if (argc >= 3 && std::strcmp(argv[1], "roundtrip") == 0)
+        status = roundtrip(argc - 2, argv + 2);
     return status < 0 ? usage() : status;
 }

@@ -86,15 +86,17 @@ void ReplayLoop::dispatch(const TraceRecord& r) {
 }
 
 void ReplayLoop::run() {
-    while (const TraceRecord* r = tape_->peek()) {
-        if (!trace_kind_is_dispatch(r->kind.c_str())) {
-            tape_->diverge(trace_record_text(*r), "the daemon waiting in its loop");
+    while (const TraceRecord* next = tape_->peek()) {
+        if (!trace_kind_is_dispatch(next->kind.c_str())) {
+            tape_->diverge(trace_record_text(*next), "the daemon waiting in its loop");
             return;
         }
-        (void)tape_->next();
-        if (r->kind == "run_end")
+        // A copy: its parsed message lives through the whole dispatch.
+        TraceRecord r = *tape_->next();
+        (void)r.object();
+        if (r.kind == "run_end")
             return;
-        dispatch(*r);
+        dispatch(r);
     }
 }
 

@@ -14,16 +14,23 @@ bool is_input(const std::string& kind) {
 
 }  // namespace
 
-std::string trace_record_text(const TraceRecord& r) {
-    return r.obj ? json_object_to_json_string_ext(r.obj.get(), JSON_C_TO_STRING_PLAIN | JSON_C_TO_STRING_NOSLASHESCAPE)
-                 : "";
-}
+std::string trace_record_text(const TraceRecord& r) { return r.src ? r.src->substr(r.off, r.len) : ""; }
 
 const TraceRecord* ReplayTape::peek() const {
     if (over())
         return nullptr;
     const TraceRecord* r = &trace_.records[pos_];
     return r->kind == "stop" || r->kind == "cut" ? nullptr : r;
+}
+
+void ReplayTape::advance(const TraceRecord& r) {
+    // The record before the one just taken is done with; a dispatch in
+    // progress holds its own reference.
+    if (pos_ >= 2)
+        trace_.records[pos_ - 2].release();
+    pos_++;
+    now_ms_ = r.t;
+    remember(r);
 }
 
 void ReplayTape::remember(const TraceRecord& r) {
@@ -40,9 +47,7 @@ const TraceRecord* ReplayTape::next() {
         stopped_ = true;
         return nullptr;
     }
-    pos_++;
-    now_ms_ = r->t;
-    remember(*r);
+    advance(*r);
     return r;
 }
 
@@ -91,9 +96,7 @@ const TraceRecord* ReplayTape::take(TraceLine& request) {
         diverge(trace_record_text(*r), actual);
         return nullptr;
     }
-    pos_++;
-    now_ms_ = r->t;
-    remember(*r);
+    advance(*r);
     return r;
 }
 

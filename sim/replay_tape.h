@@ -44,6 +44,7 @@ public:
 
 private:
     void remember(const TraceRecord& r);
+    void advance(const TraceRecord& r);
 
     const Trace& trace_;
     size_t pos_ = 0;

@@ -8,6 +8,9 @@ namespace lynd {
 
 namespace {
 
+// No recorded buffer is near this; a longer run is a damaged trace.
+constexpr size_t kMaxZeroRun = 16 * 1024 * 1024;
+
 int hex_digit(char c) {
     if (c >= '0' && c <= '9')
         return c - '0';
@@ -78,9 +81,16 @@ bool read_record(const char* p, size_t n, int line, TraceRecord* r, std::string*
 
 }  // namespace
 
+json_object* TraceRecord::object() const {
+    if (!obj && src)
+        obj.reset(parse_line(src->data() + off, len), json_object_put);
+    return obj.get();
+}
+
 json_object* TraceRecord::get(const char* key) const {
     json_object* v = nullptr;
-    return obj && json_object_object_get_ex(obj.get(), key, &v) ? v : nullptr;
+    json_object* o = object();
+    return o != nullptr && json_object_object_get_ex(o, key, &v) ? v : nullptr;
 }
 
 int64_t TraceRecord::num(const char* key, int64_t def) const {
@@ -106,20 +116,31 @@ std::string TraceRecord::text(const char* key) const {
 
 bool trace_unhex(const char* hex, size_t len, std::string* out) {
     out->clear();
-    if (len % 2 != 0)
-        return false;
-    out->reserve(len / 2);
-    for (size_t i = 0; i < len; i += 2) {
-        int hi = hex_digit(hex[i]), lo = hex_digit(hex[i + 1]);
+    for (size_t i = 0; i < len;) {
+        if (hex[i] == 'z') {
+            size_t run = 0, j = i + 1;
+            while (j < len && hex[j] >= '0' && hex[j] <= '9' && run < kMaxZeroRun)
+                run = run * 10 + static_cast<size_t>(hex[j++] - '0');
+            if (j == i + 1 || j >= len || hex[j] != '.' || run > kMaxZeroRun)
+                return false;
+            out->append(run, '\0');
+            i = j + 1;
+            continue;
+        }
+        int hi = i + 1 < len ? hex_digit(hex[i]) : -1;
+        int lo = i + 1 < len ? hex_digit(hex[i + 1]) : -1;
         if (hi < 0 || lo < 0)
             return false;
         out->push_back(static_cast<char>(hi * 16 + lo));
+        i += 2;
     }
     return true;
 }
 
-bool trace_parse(const char* text, size_t len, Trace* out, std::string* error) {
+bool trace_parse(const char* text_in, size_t len, Trace* out, std::string* error) {
     *out = Trace{};
+    auto src = std::make_shared<const std::string>(text_in, len);
+    const char* text = src->data();
     size_t pos = 0;
     int line = 0;
     int64_t last_t = INT64_MIN;
@@ -141,6 +162,10 @@ bool trace_parse(const char* text, size_t len, Trace* out, std::string* error) {
         }
         if (r.kind == "header")
             return fail(error, line, "a second header");
+        r.src = src;
+        r.off = static_cast<size_t>(start - text);
+        r.len = n;
+        r.release();
         if (r.t < last_t)
             return fail(error, line,
                         "record out of order (at " + std::to_string(r.t) + " ms after " + std::to_string(last_t) +

@@ -11,11 +11,20 @@
 
 namespace lynd {
 
+// A record keeps its line's text and is parsed again when read, so a day's
+// trace is held as text, not as a day of parsed objects.
 struct TraceRecord {
     int line = 0;
     int64_t t = 0;
     std::string kind;
-    std::shared_ptr<json_object> obj;
+    std::shared_ptr<const std::string> src;
+    size_t off = 0;
+    size_t len = 0;
+    mutable std::shared_ptr<json_object> obj;
+
+    // The parsed object (parsed on first use); release() lets it go.
+    json_object* object() const;
+    void release() const { obj.reset(); }
 
     // Members of the record; the fallbacks when absent or of another type.
     int64_t num(const char* key, int64_t def = 0) const;

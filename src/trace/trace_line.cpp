@@ -9,6 +9,9 @@ namespace lynd {
 namespace {
 
 const char kHex[] = "0123456789abcdef";
+// Driver replies, frames and library buffers are mostly zeros: a run this
+// long or longer is written as z<count>.
+constexpr size_t kZeroRun = 4;
 
 }  // namespace
 
@@ -100,13 +103,20 @@ void TraceLine::hex(const char* k, const void* p, size_t n) {
     key(k);
     put_char('"');
     const auto* b = static_cast<const uint8_t*>(p);
-    if (overflow_ || n > (sizeof buf_ - 2 - len_) / 2) {
-        overflow_ = true;
-        return;
-    }
-    for (size_t i = 0; i < n; i++) {
-        buf_[len_++] = kHex[b[i] >> 4];
-        buf_[len_++] = kHex[b[i] & 15];
+    for (size_t i = 0; i < n && !overflow_;) {
+        size_t run = 0;
+        while (i + run < n && b[i + run] == 0)
+            run++;
+        if (run >= kZeroRun) {
+            char z[24];
+            int m = std::snprintf(z, sizeof z, "z%zu.", run);
+            put(z, static_cast<size_t>(m));
+            i += run;
+            continue;
+        }
+        char two[2] = {kHex[b[i] >> 4], kHex[b[i] & 15]};
+        put(two, 2);
+        i++;
     }
     put_char('"');
 }

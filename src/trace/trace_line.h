@@ -19,6 +19,7 @@ public:
     // in hex under key followed by "_x".
     void text(const char* key, const char* s, size_t n);
     void num(const char* key, int64_t v);
+    // Bytes in hex, a run of zero bytes as z<count>. ("00ff" "z12." "01").
     void hex(const char* key, const void* p, size_t n);
     // A value already in JSON.
     void raw(const char* key, const char* json, size_t n);
