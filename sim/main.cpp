@@ -205,7 +205,27 @@ int replay(int argc, char** argv) {
         std::fprintf(stderr, "lynd-sim: %s: %s\n", argv[0], error.c_str());
         return 2;
     }
-    lynd::ReplayResult r = lynd::replay_trace(trace, std::vector<std::string>(argv + 1, argv + argc));
+    std::string config;
+    int first = 1;
+    if (argc >= 3 && std::strcmp(argv[1], "--config") == 0) {
+        std::ifstream in(argv[2], std::ios::binary);
+        std::stringstream text;
+        text << in.rdbuf();
+        if (!in) {
+            std::fprintf(stderr, "lynd-sim: %s: cannot read the file\n", argv[2]);
+            return 2;
+        }
+        config = text.str();
+        first = 3;
+    }
+    std::vector<std::string> extra(argv + first, argv + argc);
+    // Other parameters make it a what-if: differences are the answer.
+    if (first > 1 || !extra.empty()) {
+        lynd::ReplayResult r = lynd::what_if_trace(trace, config, extra);
+        std::fputs(r.report.c_str(), r.identical ? stdout : stderr);
+        return r.identical ? 0 : 2;
+    }
+    lynd::ReplayResult r = lynd::replay_trace(trace, extra);
     std::fputs(r.report.c_str(), r.exit_status == 2 ? stderr : stdout);
     if (r.exit_status == 2 && !r.identical)
         return 2;
@@ -274,7 +294,7 @@ int usage() {
     std::fprintf(stderr,
                  "usage: lynd-sim run [--out DIR] [--timeline FILE.svg] [--record TRACE] SCENARIO [daemon options]\n"
                  "       lynd-sim check SCENARIO...\n"
-                 "       lynd-sim replay TRACE [daemon options]\n"
+                 "       lynd-sim replay TRACE [--config OTHER.json] [daemon options]\n"
                  "       lynd-sim roundtrip SCENARIO...\n");
     return 2;
 }

@@ -36,8 +36,7 @@ std::string without_addresses(const std::string& line) {
 
 }  // namespace
 
-void ReplayHost::set_config(const char* path, const std::string& text) {
-    config_path_ = path;
+void ReplayHost::set_config(const std::string& text) {
     config_ = text;
     has_config_ = true;
 }
@@ -112,7 +111,7 @@ long ReplayHost::read_file(const char* path, char* buf, size_t size) {
     TraceLine& l = tape_->begin("read");
     req_read(l, path, size);
     const TraceRecord* r = tape_->take(l);
-    if (has_config_ && config_path_ == path) {
+    if (has_config_) {
         // The other configuration answers in place of the recorded one.
         has_config_ = false;
         return static_cast<long>(copy_out(config_, buf, size));
@@ -206,7 +205,7 @@ long ReplayHost::nl_recv(int fd, void* buf, size_t size) {
 }
 
 timespec ReplayHost::monotonic_now() {
-    const TraceRecord* r = tape_->take(tape_->begin("mono"));
+    const TraceRecord* r = tape_->what_if() ? nullptr : tape_->take(tape_->begin("mono"));
     timespec ts{};
     if (r != nullptr) {
         ts.tv_sec = static_cast<time_t>(r->num("s"));
@@ -219,6 +218,8 @@ timespec ReplayHost::monotonic_now() {
 }
 
 time_t ReplayHost::wall_now() {
+    if (tape_->what_if())
+        return static_cast<time_t>(tape_->wall_now());
     const TraceRecord* r = tape_->take(tape_->begin("wall"));
     return r != nullptr ? static_cast<time_t>(r->num("s")) : 0;
 }

@@ -10,8 +10,9 @@ namespace lynd {
 class ReplayHost : public Host {
 public:
     explicit ReplayHost(ReplayTape* tape) : tape_(tape) {}
-    // What-if runs answer the configuration file with another text.
-    void set_config(const char* path, const std::string& text);
+    // What-if runs answer the first read, the configuration file's, with
+    // another text.
+    void set_config(const std::string& text);
 
     int run_capture(const char* const argv[], char* out, size_t size) override;
     int run_status(const char* const argv[]) override;
@@ -41,7 +42,6 @@ private:
     int64_t rc_of(TraceLine& l, int64_t def);
 
     ReplayTape* tape_;
-    std::string config_path_;
     std::string config_;
     bool has_config_ = false;
     std::string console_;

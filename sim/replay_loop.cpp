@@ -19,6 +19,11 @@ void ReplayLoop::done() { (void)tape_->take(tape_->begin("loop_done")); }
 
 int ReplayLoop::timer_set(LoopTimer* t, int msecs) {
     int id = timer_ids_.id_of(t);
+    if (tape_->what_if()) {
+        (void)timers_.remove(t);
+        timers_.add(t, tape_->now_ms() + (msecs > 0 ? msecs : 0));
+        return 0;
+    }
     TraceLine& l = tape_->begin("timer_set");
     l.num("id", id);
     l.num("ms", msecs);
@@ -31,6 +36,8 @@ int ReplayLoop::timer_set(LoopTimer* t, int msecs) {
 }
 
 int ReplayLoop::timer_cancel(LoopTimer* t) {
+    if (tape_->what_if())
+        return timers_.remove(t) ? 0 : -1;
     TraceLine& l = tape_->begin("timer_cancel");
     l.num("id", timer_ids_.find(t));
     t->pending = false;
@@ -38,6 +45,8 @@ int ReplayLoop::timer_cancel(LoopTimer* t) {
 }
 
 int64_t ReplayLoop::timer_remaining(const LoopTimer* t) {
+    if (tape_->what_if())
+        return t->pending ? t->expires_ms - tape_->now_ms() : -1;
     TraceLine& l = tape_->begin("timer_left");
     l.num("id", timer_ids_.find(t));
     const TraceRecord* r = tape_->take(l);
@@ -62,7 +71,45 @@ int ReplayLoop::fd_delete(LoopFd* f) {
     return rc_of(l, -1);
 }
 
-void ReplayLoop::end() { (void)tape_->take(tape_->begin("loop_end")); }
+void ReplayLoop::end() {
+    ended_ = true;
+    (void)tape_->take(tape_->begin("loop_end"));
+}
+
+size_t ReplayLoop::next_outside(size_t from) const {
+    const auto& recs = tape_->trace().records;
+    while (from < recs.size() && (!trace_kind_is_dispatch(recs[from].kind.c_str()) || recs[from].kind == "timer"))
+        from++;
+    return from;
+}
+
+void ReplayLoop::run_what_if() {
+    const auto& recs = tape_->trace().records;
+    size_t i = next_outside(0);
+    // The recorded run is all there is to answer from.
+    int64_t end_ms = recs.empty() ? 0 : recs.back().t;
+    ended_ = false;
+    while (!ended_) {
+        LoopTimer* t = timers_.first();
+        bool outside = i < recs.size() && (t == nullptr || recs[i].t < t->expires_ms);
+        if (!outside && (t == nullptr || t->expires_ms > end_ms))
+            return;
+        if (outside) {
+            TraceRecord r = recs[i];
+            i = next_outside(i + 1);
+            tape_->set_now(r.t);
+            if (r.kind == "run_end")
+                return;
+            dispatch(r);
+            r.release();
+            continue;
+        }
+        tape_->set_now(t->expires_ms);
+        LoopTimer* due = timers_.pop_due(t->expires_ms);
+        if (due != nullptr && due->cb != nullptr)
+            due->cb(due);
+    }
+}
 
 void ReplayLoop::dispatch(const TraceRecord& r) {
     if (r.kind == "timer") {
@@ -86,6 +133,8 @@ void ReplayLoop::dispatch(const TraceRecord& r) {
 }
 
 void ReplayLoop::run() {
+    if (tape_->what_if())
+        return run_what_if();
     while (const TraceRecord* next = tape_->peek()) {
         if (!trace_kind_is_dispatch(next->kind.c_str())) {
             tape_->diverge(trace_record_text(*next), "the daemon waiting in its loop");

@@ -2,6 +2,7 @@
 // next (a timer, a ready socket, a bus event or call) at the recorded time.
 #pragma once
 #include "platform/loop.h"
+#include "platform/timer_queue.h"
 #include "sim/replay_bus.h"
 #include "sim/replay_tape.h"
 #include "trace/trace_ids.h"
@@ -26,11 +27,17 @@ public:
 private:
     int rc_of(TraceLine& l, int def);
     void dispatch(const TraceRecord& r);
+    // What-if: the daemon's own timers run on their own schedule, between
+    // the recorded events from outside.
+    void run_what_if();
+    size_t next_outside(size_t from) const;
 
     ReplayTape* tape_;
     ReplayBus* bus_;
     TraceIds timer_ids_;
     TraceIds fd_ids_;
+    TimerQueue timers_;
+    bool ended_ = false;
 };
 
 }  // namespace lynd

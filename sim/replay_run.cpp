@@ -12,6 +12,7 @@
 #include "sim/replay_host.h"
 #include "sim/replay_krel.h"
 #include "sim/replay_loop.h"
+#include "sim/what_if.h"
 #include "trace/trace_recorder.h"
 #include "wlan/qca/wlan_platform_qca.h"
 
@@ -86,19 +87,63 @@ ReplayResult replay_conclude(int exit_status) {
     return res;
 }
 
+namespace {
+
+// Checks that trace can be replayed here: empty when it can, else why not.
+std::string unreplayable(const Trace& trace) {
+    if (trace.header.start != "boot")
+        return "the trace starts mid-run (" + trace.header.start + "): a replay needs a trace from the daemon's start\n";
+    if ((trace.header.byte_order == "little") != host_is_little())
+        return "the trace was recorded on a " + trace.header.byte_order +
+               "-endian host: its datagrams and tables cannot be replayed here\n";
+    return "";
+}
+
+int run_daemon(const Trace& trace, const std::vector<std::string>& extra) {
+    std::vector<std::string> args = trace.header.args;
+    args.insert(args.end(), extra.begin(), extra.end());
+    std::vector<char*> argv;
+    for (auto& a : args)
+        argv.push_back(&a[0]);
+    argv.push_back(nullptr);
+    return lynd_main(static_cast<int>(args.size()), argv.data());
+}
+
+}  // namespace
+
+ReplayResult what_if_trace(const Trace& trace, const std::string& config, const std::vector<std::string>& extra) {
+    ReplayResult res;
+    res.exit_status = 2;
+    res.report = unreplayable(trace);
+    if (!res.report.empty())
+        return res;
+    ReplayTape tape(trace);
+    tape.set_what_if();
+    ReplayBus bus(&tape);
+    ReplayLoop loop(&tape, &bus);
+    ReplayHost host(&tape);
+    if (!config.empty())
+        host.set_config(config);
+    ReplayUci uci(&tape);
+    ReplayKrel krel(&tape);
+    Seams before = install_seams({&loop, &host, &uci, &krel, &bus});
+    wlan_platform_ops = &wlan_platform_qca;
+    trace_forbid(true);
+    res.exit_status = run_daemon(trace, extra);
+    trace_forbid(false);
+    (void)install_seams(before);
+    int64_t end_ms = trace.records.empty() ? 0 : trace.records.back().t;
+    res.report = what_if_report(recorded_decisions(trace), decisions_of(tape.outputs()), end_ms);
+    res.identical = true;
+    return res;
+}
+
 ReplayResult replay_trace(const Trace& trace, const std::vector<std::string>& extra) {
     ReplayResult bad;
     bad.exit_status = 2;
-    if (trace.header.start != "boot") {
-        bad.report = "the trace starts mid-run (" + trace.header.start +
-                     "): a replay needs a trace from the daemon's start\n";
+    bad.report = unreplayable(trace);
+    if (!bad.report.empty())
         return bad;
-    }
-    if ((trace.header.byte_order == "little") != host_is_little()) {
-        bad.report = "the trace was recorded on a " + trace.header.byte_order +
-                     "-endian host: its datagrams and tables cannot be replayed here\n";
-        return bad;
-    }
     ReplayTape tape(trace);
     ReplayBus bus(&tape);
     ReplayLoop loop(&tape, &bus);
@@ -110,14 +155,7 @@ ReplayResult replay_trace(const Trace& trace, const std::vector<std::string>& ex
     trace_forbid(true);
     g_active.tape = &tape;
 
-    std::vector<std::string> args = trace.header.args;
-    args.insert(args.end(), extra.begin(), extra.end());
-    std::vector<char*> argv;
-    for (auto& a : args)
-        argv.push_back(&a[0]);
-    argv.push_back(nullptr);
-    int rc = lynd_main(static_cast<int>(args.size()), argv.data());
-    ReplayResult res = replay_conclude(rc);
+    ReplayResult res = replay_conclude(run_daemon(trace, extra));
     (void)install_seams(before);
     return res;
 }

@@ -20,6 +20,9 @@ bool trace_load(const char* path, Trace* trace, std::string* error);
 // Replays trace against the real daemon; extra options go after the
 // recorded ones.
 ReplayResult replay_trace(const Trace& trace, const std::vector<std::string>& extra);
+// What-if: the same inputs under another configuration text (empty: the
+// recorded one) and extra options; the report lists the decisions that differ.
+ReplayResult what_if_trace(const Trace& trace, const std::string& config, const std::vector<std::string>& extra);
 // A daemon that exits from inside (a fatal error): the replay's report.
 bool replay_active();
 ReplayResult replay_conclude(int exit_status);

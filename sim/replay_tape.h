@@ -4,7 +4,9 @@
 #pragma once
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <string>
+#include <vector>
 
 #include "sim/trace_reader.h"
 #include "trace/trace_line.h"
@@ -36,6 +38,16 @@ public:
     TraceLine& begin(const char* kind);
     void diverge(const std::string& expected, const std::string& actual);
 
+    // What-if: questions are answered by what the record holds for the same
+    // question at the replay's time, outputs are kept instead of compared.
+    void set_what_if();
+    bool what_if() const { return what_if_; }
+    void set_now(int64_t ms) { now_ms_ = ms; }
+    // The outputs a what-if run gave, in order, with their times.
+    const std::vector<std::pair<int64_t, std::string>>& outputs() const { return outputs_; }
+    // The wall clock at now, from the recorded readings.
+    int64_t wall_now() const;
+
     bool over() const { return divergence_.found || pos_ >= trace_.records.size() || stopped_; }
     int64_t now_ms() const { return now_ms_; }
     size_t taken() const { return pos_; }
@@ -45,6 +57,7 @@ public:
 private:
     void remember(const TraceRecord& r);
     void advance(const TraceRecord& r);
+    const TraceRecord* answer(TraceLine& request);
 
     const Trace& trace_;
     size_t pos_ = 0;
@@ -53,7 +66,20 @@ private:
     Divergence divergence_;
     std::deque<std::string> recent_;
     TraceLine line_;
+    bool what_if_ = false;
+    struct Answers {
+        std::vector<size_t> at;  // record indexes, in time order
+        size_t next = 0;
+    };
+    std::map<std::string, Answers> answers_;
+    std::vector<std::pair<int64_t, std::string>> outputs_;
+    int64_t wall_base_ = 0;
+    int64_t wall_base_ms_ = 0;
 };
+
+// A record's question: its type and every member but the time and the answer.
+std::string trace_question(json_object* record);
+bool trace_kind_is_output(const std::string& kind);
 
 // The record's own text, for a report.
 std::string trace_record_text(const TraceRecord& r);
