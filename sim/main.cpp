@@ -21,6 +21,7 @@
 #include "sim/replay_run.h"
 #include "sim/report.h"
 #include "sim/scenario.h"
+#include "sim/trace_anonymize.h"
 #include "sim/sim_node.h"
 #include "sim/state_dir.h"
 #include "sim/timeline_trace.h"
@@ -290,12 +291,33 @@ int roundtrip(int argc, char** argv) {
     return failed == 0 ? 0 : 1;
 }
 
+int anonymize(const char* in_path, const char* out_path) {
+    std::ifstream in(in_path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    std::string out, error;
+    if (!in) {
+        std::fprintf(stderr, "lynd-sim: %s: cannot read the file\n", in_path);
+        return 2;
+    }
+    if (!lynd::trace_anonymize(text.str(), &out, &error)) {
+        std::fprintf(stderr, "lynd-sim: %s: %s\n", in_path, error.c_str());
+        return 2;
+    }
+    if (!lynd::write_whole_file(out_path, out, &error)) {
+        std::fprintf(stderr, "lynd-sim: %s: %s\n", out_path, error.c_str());
+        return 2;
+    }
+    return 0;
+}
+
 int usage() {
     std::fprintf(stderr,
                  "usage: lynd-sim run [--out DIR] [--timeline FILE.svg] [--record TRACE] SCENARIO [daemon options]\n"
                  "       lynd-sim check SCENARIO...\n"
                  "       lynd-sim replay TRACE [--config OTHER.json] [daemon options]\n"
-                 "       lynd-sim roundtrip SCENARIO...\n");
+                 "       lynd-sim roundtrip SCENARIO...\n"
+                 "       lynd-sim anonymize TRACE OUT\n");
     return 2;
 }
 
@@ -310,6 +332,8 @@ int main(int argc, char** argv) {
         status = check(argc - 2, argv + 2);
     else if (argc >= 3 && std::strcmp(argv[1], "replay") == 0)
         status = replay(argc - 2, argv + 2);
+    else if (argc == 4 && std::strcmp(argv[1], "anonymize") == 0)
+        status = anonymize(argv[2], argv[3]);
     else if (argc >= 3 && std::strcmp(argv[1], "roundtrip") == 0)
         status = roundtrip(argc - 2, argv + 2);
     return status < 0 ? usage() : status;

@@ -99,25 +99,43 @@ void TraceLine::num(const char* k, int64_t v) {
     put(b, static_cast<size_t>(n));
 }
 
-void TraceLine::hex(const char* k, const void* p, size_t n) {
-    key(k);
-    put_char('"');
+size_t trace_hex(char* out, size_t room, const void* p, size_t n) {
     const auto* b = static_cast<const uint8_t*>(p);
-    for (size_t i = 0; i < n && !overflow_;) {
+    size_t len = 0;
+    for (size_t i = 0; i < n;) {
         size_t run = 0;
         while (i + run < n && b[i + run] == 0)
             run++;
+        char piece[24];
+        int m = 2;
         if (run >= kZeroRun) {
-            char z[24];
-            int m = std::snprintf(z, sizeof z, "z%zu.", run);
-            put(z, static_cast<size_t>(m));
+            m = std::snprintf(piece, sizeof piece, "z%zu.", run);
             i += run;
-            continue;
+        } else {
+            piece[0] = kHex[b[i] >> 4];
+            piece[1] = kHex[b[i] & 15];
+            i++;
         }
-        char two[2] = {kHex[b[i] >> 4], kHex[b[i] & 15]};
-        put(two, 2);
-        i++;
+        if (static_cast<size_t>(m) > room - len)
+            return room + 1;
+        std::memcpy(out + len, piece, static_cast<size_t>(m));
+        len += static_cast<size_t>(m);
     }
+    return len;
+}
+
+void TraceLine::hex(const char* k, const void* p, size_t n) {
+    key(k);
+    put_char('"');
+    if (overflow_)
+        return;
+    size_t room = sizeof buf_ - 2 - len_;
+    size_t m = trace_hex(buf_ + len_, room, p, n);
+    if (m > room) {
+        overflow_ = true;
+        return;
+    }
+    len_ += m;
     put_char('"');
 }
 
