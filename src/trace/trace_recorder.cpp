@@ -29,6 +29,7 @@ struct Recorder {
     RecKrel krel;
     RecBus bus;
     TraceLine line;
+    TraceLine header;  // its own: a rotation writes it while a record waits
     TraceFile file;
     Mode mode = Mode::OFF;
     bool installed = false;
@@ -109,7 +110,7 @@ bool little_endian() {
 }
 
 void write_header() {
-    TraceLine& l = g_rec.line;
+    TraceLine& l = g_rec.header;
     l.begin(now_ms(), "header");
     l.num("lynd_trace", TRACE_FORMAT_VERSION);
     l.str("daemon", g_rec.version);
