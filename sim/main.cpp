@@ -208,6 +208,12 @@ int replay(int argc, char** argv) {
     }
     std::string config;
     int first = 1;
+    const char* timeline = nullptr;
+    if (argc >= 3 && std::strcmp(argv[1], "--timeline") == 0) {
+        timeline = argv[2];
+        argv += 2;
+        argc -= 2;
+    }
     if (argc >= 3 && std::strcmp(argv[1], "--config") == 0) {
         std::ifstream in(argv[2], std::ios::binary);
         std::stringstream text;
@@ -220,9 +226,14 @@ int replay(int argc, char** argv) {
         first = 3;
     }
     std::vector<std::string> extra(argv + first, argv + argc);
-    // Other parameters make it a what-if: differences are the answer.
-    if (first > 1 || !extra.empty()) {
-        lynd::ReplayResult r = lynd::what_if_trace(trace, config, extra);
+    // Other parameters make it a what-if: differences are the answer. The
+    // picture is drawn from one too (its sampling timer is no part of the
+    // record), under the recorded configuration it decides the same.
+    if (first > 1 || !extra.empty() || timeline != nullptr) {
+        lynd::TimelineTrace picture;
+        lynd::ReplayResult r = lynd::what_if_trace(trace, config, extra, timeline != nullptr ? &picture : nullptr);
+        if (timeline != nullptr && !lynd::write_whole_file(timeline, lynd::timeline_svg(picture), &error))
+            std::fprintf(stderr, "lynd-sim: --timeline: %s\n", error.c_str());
         std::fputs(r.report.c_str(), r.identical ? stdout : stderr);
         return r.identical ? 0 : 2;
     }
@@ -315,7 +326,7 @@ int usage() {
     std::fprintf(stderr,
                  "usage: lynd-sim run [--out DIR] [--timeline FILE.svg] [--record TRACE] SCENARIO [daemon options]\n"
                  "       lynd-sim check SCENARIO...\n"
-                 "       lynd-sim replay TRACE [--config OTHER.json] [daemon options]\n"
+                 "       lynd-sim replay TRACE [--timeline OUT.svg] [--config OTHER.json] [daemon options]\n"
                  "       lynd-sim roundtrip SCENARIO...\n"
                  "       lynd-sim anonymize TRACE OUT\n");
     return 2;

@@ -12,6 +12,7 @@
 #include "sim/replay_host.h"
 #include "sim/replay_krel.h"
 #include "sim/replay_loop.h"
+#include "sim/timeline_recorder.h"
 #include "sim/what_if.h"
 #include "trace/trace_recorder.h"
 #include "wlan/qca/wlan_platform_qca.h"
@@ -111,7 +112,8 @@ int run_daemon(const Trace& trace, const std::vector<std::string>& extra) {
 
 }  // namespace
 
-ReplayResult what_if_trace(const Trace& trace, const std::string& config, const std::vector<std::string>& extra) {
+ReplayResult what_if_trace(const Trace& trace, const std::string& config, const std::vector<std::string>& extra,
+                           TimelineTrace* timeline) {
     ReplayResult res;
     res.exit_status = 2;
     res.report = unreplayable(trace);
@@ -129,7 +131,14 @@ ReplayResult what_if_trace(const Trace& trace, const std::string& config, const 
     Seams before = install_seams({&loop, &host, &uci, &krel, &bus});
     wlan_platform_ops = &wlan_platform_qca;
     trace_forbid(true);
+    TimelineRecorder recorder;
+    Scenario named;
+    named.name = "replay";
+    if (timeline != nullptr)
+        recorder.start(&loop, named);
     res.exit_status = run_daemon(trace, extra);
+    if (timeline != nullptr)
+        *timeline = recorder.finish(tape.now_ms());
     trace_forbid(false);
     (void)install_seams(before);
     int64_t end_ms = trace.records.empty() ? 0 : trace.records.back().t;

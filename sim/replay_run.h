@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "sim/timeline_trace.h"
 #include "sim/trace_reader.h"
 
 namespace lynd {
@@ -22,7 +23,9 @@ bool trace_load(const char* path, Trace* trace, std::string* error);
 ReplayResult replay_trace(const Trace& trace, const std::vector<std::string>& extra);
 // What-if: the same inputs under another configuration text (empty: the
 // recorded one) and extra options; the report lists the decisions that differ.
-ReplayResult what_if_trace(const Trace& trace, const std::string& config, const std::vector<std::string>& extra);
+// With timeline set, the run is watched for the timeline picture.
+ReplayResult what_if_trace(const Trace& trace, const std::string& config, const std::vector<std::string>& extra,
+                           TimelineTrace* timeline = nullptr);
 // A daemon that exits from inside (a fatal error): the replay's report.
 bool replay_active();
 ReplayResult replay_conclude(int exit_status);
