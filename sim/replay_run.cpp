@@ -14,6 +14,7 @@
 #include "sim/replay_loop.h"
 #include "sim/timeline_recorder.h"
 #include "sim/what_if.h"
+#include "trace/trace_kinds.h"
 #include "trace/trace_recorder.h"
 #include "wlan/qca/wlan_platform_qca.h"
 
@@ -21,16 +22,29 @@ namespace lynd {
 
 namespace {
 
+// The seams of one replay, installed for its lifetime.
+struct ReplaySeams {
+    explicit ReplaySeams(ReplayTape* tape)
+        : bus(tape), loop(tape, &bus), host(tape), uci(tape), krel(tape) {
+        before = install_seams({&loop, &host, &uci, &krel, &bus});
+        wlan_platform_ops = &wlan_platform_qca;
+        trace_forbid(true);
+    }
+    ~ReplaySeams() {
+        trace_forbid(false);
+        (void)install_seams(before);
+    }
+    ReplayBus bus;
+    ReplayLoop loop;
+    ReplayHost host;
+    ReplayUci uci;
+    ReplayKrel krel;
+    Seams before;
+};
+
 struct Active {
     ReplayTape* tape = nullptr;
 } g_active;
-
-bool host_is_little() {
-    const uint16_t probe = 1;
-    uint8_t first;
-    std::memcpy(&first, &probe, 1);
-    return first == 1;
-}
 
 std::string seconds(int64_t ms) {
     char b[32];
@@ -94,7 +108,7 @@ namespace {
 std::string unreplayable(const Trace& trace) {
     if (trace.header.start != "boot")
         return "the trace starts mid-run (" + trace.header.start + "): a replay needs a trace from the daemon's start\n";
-    if ((trace.header.byte_order == "little") != host_is_little())
+    if (trace.header.byte_order != trace_host_byte_order())
         return "the trace was recorded on a " + trace.header.byte_order +
                "-endian host: its datagrams and tables cannot be replayed here\n";
     return "";
@@ -121,26 +135,17 @@ ReplayResult what_if_trace(const Trace& trace, const std::string& config, const 
         return res;
     ReplayTape tape(trace);
     tape.set_what_if();
-    ReplayBus bus(&tape);
-    ReplayLoop loop(&tape, &bus);
-    ReplayHost host(&tape);
+    ReplaySeams seams(&tape);
     if (!config.empty())
-        host.set_config(config);
-    ReplayUci uci(&tape);
-    ReplayKrel krel(&tape);
-    Seams before = install_seams({&loop, &host, &uci, &krel, &bus});
-    wlan_platform_ops = &wlan_platform_qca;
-    trace_forbid(true);
+        seams.host.set_config(config);
     TimelineRecorder recorder;
     Scenario named;
     named.name = "replay";
     if (timeline != nullptr)
-        recorder.start(&loop, named);
+        recorder.start(&seams.loop, named);
     res.exit_status = run_daemon(trace, extra);
     if (timeline != nullptr)
         *timeline = recorder.finish(tape.now_ms());
-    trace_forbid(false);
-    (void)install_seams(before);
     int64_t end_ms = trace.records.empty() ? 0 : trace.records.back().t;
     res.report = what_if_report(recorded_decisions(trace), decisions_of(tape.outputs()), end_ms);
     res.identical = true;
@@ -154,19 +159,10 @@ ReplayResult replay_trace(const Trace& trace, const std::vector<std::string>& ex
     if (!bad.report.empty())
         return bad;
     ReplayTape tape(trace);
-    ReplayBus bus(&tape);
-    ReplayLoop loop(&tape, &bus);
-    ReplayHost host(&tape);
-    ReplayUci uci(&tape);
-    ReplayKrel krel(&tape);
-    Seams before = install_seams({&loop, &host, &uci, &krel, &bus});
-    wlan_platform_ops = &wlan_platform_qca;
-    trace_forbid(true);
+    ReplaySeams seams(&tape);
     g_active.tape = &tape;
 
-    ReplayResult res = replay_conclude(run_daemon(trace, extra));
-    (void)install_seams(before);
-    return res;
+    return replay_conclude(run_daemon(trace, extra));
 }
 
 }  // namespace lynd

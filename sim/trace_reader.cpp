@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "core/mac.h"
 #include "trace/trace_kinds.h"
 
 namespace lynd {
@@ -10,16 +11,6 @@ namespace {
 
 // No recorded buffer is near this; a longer run is a damaged trace.
 constexpr size_t kMaxZeroRun = 16 * 1024 * 1024;
-
-int hex_digit(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
-}
 
 bool fail(std::string* error, int line, const std::string& why) {
     *error = "line " + std::to_string(line) + ": " + why;
@@ -127,8 +118,8 @@ bool trace_unhex(const char* hex, size_t len, std::string* out) {
             i = j + 1;
             continue;
         }
-        int hi = i + 1 < len ? hex_digit(hex[i]) : -1;
-        int lo = i + 1 < len ? hex_digit(hex[i + 1]) : -1;
+        int hi = i + 1 < len ? lynd_hex_digit(hex[i]) : -1;
+        int lo = i + 1 < len ? lynd_hex_digit(hex[i + 1]) : -1;
         if (hi < 0 || lo < 0)
             return false;
         out->push_back(static_cast<char>(hi * 16 + lo));

@@ -1,6 +1,5 @@
 #include "trace/krel_requests.h"
 
-#include "bridge/table_entries.h"
 
 namespace lynd {
 
@@ -18,17 +17,6 @@ void req_krel(TraceLine& l, const KrelArgs& a) {
         l.hex("id", a.id, 6);
     for (int i = 0; i < a.nums && i < 3; i++)
         l.num(kNum[i], a.num[i]);
-}
-
-int krel_entry_size(int table_type) {
-    switch (table_type) {
-    case LYND_TABLE_HC:
-        return HC_ENTRY_SIZE;
-    case LYND_TABLE_FDB:
-        return FDB_ENTRY_SIZE;
-    default:
-        return 0;
-    }
 }
 
 }  // namespace lynd

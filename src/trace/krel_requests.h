@@ -20,7 +20,5 @@ struct KrelArgs {
 };
 
 void req_krel(TraceLine& l, const KrelArgs& a);
-// The bytes of one table entry for table_type, 0 for a table not known.
-int krel_entry_size(int table_type);
 
 }  // namespace lynd

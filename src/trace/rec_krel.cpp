@@ -1,5 +1,6 @@
 #include "trace/rec_krel.h"
 
+#include "bridge/hybrid_tables.h"
 #include "bridge/port_inventory.h"
 #include "trace/krel_requests.h"
 #include "trace/trace_sink.h"
@@ -52,7 +53,7 @@ int RecKrel::bridgeTableAction(const char* bridge_name, int table_type, int* cou
     int rc = in_->bridgeTableAction(bridge_name, table_type, count, buf, flags);
     l.num("rc", rc);
     l.num("got", *count);
-    int entry = krel_entry_size(table_type);
+    int entry = lynd_table_entry_size(table_type);
     int room = entry > 0 ? size_of(buf) / entry : 0;
     int n = *count < 0 ? 0 : (*count > room ? room : *count);
     if (rc == 0)

@@ -1,5 +1,6 @@
 #include "trace/trace_kinds.h"
 
+#include <cstdint>
 #include <cstring>
 
 namespace lynd {
@@ -30,6 +31,13 @@ bool in(const char* const* list, size_t n, const char* kind) {
 }
 
 }  // namespace
+
+const char* trace_host_byte_order() {
+    const uint16_t probe = 1;
+    uint8_t first;
+    std::memcpy(&first, &probe, 1);
+    return first == 1 ? "little" : "big";
+}
 
 bool trace_kind_is_dispatch(const char* kind) {
     return in(kDispatch, sizeof kDispatch / sizeof kDispatch[0], kind);

@@ -102,19 +102,12 @@ void uninstall() {
     g_rec.installed = false;
 }
 
-bool little_endian() {
-    const uint16_t probe = 1;
-    uint8_t first;
-    std::memcpy(&first, &probe, 1);
-    return first == 1;
-}
-
 void write_header() {
     TraceLine& l = g_rec.header;
     l.begin(now_ms(), "header");
     l.num("lynd_trace", TRACE_FORMAT_VERSION);
     l.str("daemon", g_rec.version);
-    l.str("byte_order", little_endian() ? "little" : "big");
+    l.str("byte_order", trace_host_byte_order());
     l.str("start", g_rec.start);
     l.argv("args", g_rec.argv);
     size_t len = 0;
