@@ -2,9 +2,27 @@
 
 #include <cstring>
 
+#include "daemon/status_replies.h"
 #include "trace/bus_requests.h"
 
 namespace lynd {
+
+namespace {
+
+// The source revision a reply names is the build's, not a decision: a trace
+// from the router replays on a PC built from another revision.
+std::string same_revision(const std::string& reply, const TraceRecord* recorded) {
+    std::string ours = std::string("\"revision\":\"") + lynd_revision() + "\"";
+    size_t at = reply.find(ours);
+    json_object* data = recorded != nullptr ? recorded->get("data") : nullptr;
+    json_object* rev = nullptr;
+    if (at == std::string::npos || data == nullptr || !json_object_object_get_ex(data, "revision", &rev))
+        return reply;
+    std::string theirs = std::string("\"revision\":\"") + json_object_get_string(rev) + "\"";
+    return reply.substr(0, at) + theirs + reply.substr(at + ours.size());
+}
+
+}  // namespace
 
 BusMessage replay_message(json_object* list, std::vector<BusAttr>* attrs, bool malformed) {
     attrs->clear();
@@ -92,9 +110,9 @@ void ReplayBus::call(const TraceRecord& r) {
     int rc = object_.handler(object_.ctx, method.c_str(), msg, reply);
     TraceLine& l = tape_->begin("reply");
     l.num("status", rc);
-    const char* text = reply.text();
+    std::string text = same_revision(reply.text(), tape_->peek());
     if (rc == BUS_STATUS_OK)
-        l.raw("data", text, std::strlen(text));
+        l.raw("data", text.data(), text.size());
     (void)tape_->take(l);
 }
 
