@@ -19,19 +19,29 @@ int record_rc(const char* kind, int id, int rc) {
 }  // namespace
 
 void RecLoop::release() {
-    for (int i = 0; i < timer_ids_.count(); i++) {
-        auto* t = static_cast<LoopTimer*>(const_cast<void*>(timer_ids_.at(i)));
-        if (t->cb == on_timer)
-            t->cb = timer_cb_[i];
-    }
-    for (int i = 0; i < fd_ids_.count(); i++) {
-        auto* f = static_cast<LoopFd*>(const_cast<void*>(fd_ids_.at(i)));
-        if (f->cb == on_fd)
-            f->cb = fd_cb_[i];
-    }
+    for (int i = 0; i < timer_ids_.count(); i++)
+        unwrap_timer(i);
+    for (int i = 0; i < fd_ids_.count(); i++)
+        unwrap_fd(i);
     timer_ids_.reset();
     fd_ids_.reset();
     g_self = nullptr;
+}
+
+void RecLoop::unwrap_timer(int id) {
+    if (id < 0 || !timer_wrapped_[id])
+        return;
+    auto* t = static_cast<LoopTimer*>(const_cast<void*>(timer_ids_.at(id)));
+    t->cb = timer_cb_[id];
+    timer_wrapped_[id] = false;
+}
+
+void RecLoop::unwrap_fd(int id) {
+    if (id < 0 || !fd_wrapped_[id])
+        return;
+    auto* f = static_cast<LoopFd*>(const_cast<void*>(fd_ids_.at(id)));
+    f->cb = fd_cb_[id];
+    fd_wrapped_[id] = false;
 }
 
 void RecLoop::on_timer(LoopTimer* t) {
@@ -41,7 +51,9 @@ void RecLoop::on_timer(LoopTimer* t) {
     TraceLine& l = trace_begin("timer");
     l.num("id", id);
     trace_emit();
-    g_self->timer_cb_[id](t);
+    // Its own handler again before it runs: it may re-arm or free the timer.
+    g_self->unwrap_timer(id);
+    t->cb(t);
 }
 
 void RecLoop::on_fd(LoopFd* f, unsigned events) {
@@ -69,6 +81,7 @@ int RecLoop::timer_set(LoopTimer* t, int msecs) {
     if (id >= 0 && t->cb != on_timer) {
         timer_cb_[id] = t->cb;
         t->cb = on_timer;
+        timer_wrapped_[id] = true;
     }
     int rc = in_->timer_set(t, msecs);
     TraceLine& l = trace_begin("timer_set");
@@ -79,7 +92,12 @@ int RecLoop::timer_set(LoopTimer* t, int msecs) {
     return rc;
 }
 
-int RecLoop::timer_cancel(LoopTimer* t) { return record_rc("timer_cancel", timer_ids_.find(t), in_->timer_cancel(t)); }
+int RecLoop::timer_cancel(LoopTimer* t) {
+    int id = timer_ids_.find(t);
+    int rc = in_->timer_cancel(t);
+    unwrap_timer(id);
+    return record_rc("timer_cancel", id, rc);
+}
 
 int64_t RecLoop::timer_remaining(const LoopTimer* t) {
     int64_t left = in_->timer_remaining(t);
@@ -96,6 +114,7 @@ int RecLoop::fd_add(LoopFd* f, unsigned events) {
     if (id >= 0 && f->cb != on_fd) {
         fd_cb_[id] = f->cb;
         f->cb = on_fd;
+        fd_wrapped_[id] = true;
     }
     int rc = in_->fd_add(f, events);
     TraceLine& l = trace_begin("fd_add");
@@ -107,7 +126,12 @@ int RecLoop::fd_add(LoopFd* f, unsigned events) {
     return rc;
 }
 
-int RecLoop::fd_delete(LoopFd* f) { return record_rc("fd_del", fd_ids_.find(f), in_->fd_delete(f)); }
+int RecLoop::fd_delete(LoopFd* f) {
+    int id = fd_ids_.find(f);
+    int rc = in_->fd_delete(f);
+    unwrap_fd(id);
+    return record_rc("fd_del", id, rc);
+}
 
 void RecLoop::run() {
     in_->run();

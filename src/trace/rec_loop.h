@@ -1,6 +1,6 @@
 // The loop, recorded: what the daemon arms, and each timer and watch as it
 // fires. The loop calls a timer's own handler, so the record steps in front
-// of it and gives it back when recording ends.
+// of it while it is armed, and gives it back when it fires or is disarmed.
 #pragma once
 #include "platform/loop.h"
 #include "trace/trace_ids.h"
@@ -28,12 +28,18 @@ public:
 private:
     static void on_timer(LoopTimer* t);
     static void on_fd(LoopFd* f, unsigned events);
+    void unwrap_timer(int id);
+    void unwrap_fd(int id);
 
     Loop* in_ = nullptr;
     TraceIds timer_ids_;
     TraceIds fd_ids_;
     void (*timer_cb_[TraceIds::kMax])(LoopTimer*) = {};
     void (*fd_cb_[TraceIds::kMax])(LoopFd*, unsigned) = {};
+    // Only an armed timer or a watched fd carries our handler: one disarmed
+    // may be freed by its owner at any time after.
+    bool timer_wrapped_[TraceIds::kMax] = {};
+    bool fd_wrapped_[TraceIds::kMax] = {};
 };
 
 }  // namespace lynd

@@ -179,7 +179,8 @@ void trace_request(const char* path, size_t size) {
     size_t n = path != nullptr ? std::strlen(path) : 0;
     if (n >= sizeof g_rec.request)
         n = 0;
-    std::memcpy(g_rec.request, path, n);
+    if (n > 0)
+        std::memcpy(g_rec.request, path, n);
     g_rec.request[n] = '\0';
     g_rec.request_size = size;
 }
