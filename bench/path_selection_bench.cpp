@@ -3,6 +3,10 @@
 // 256 hc entries. Allocations are counted inside the daemon's code only.
 #include <benchmark/benchmark.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
 #include <cstring>
 #include <cstdio>
 #include <string>
@@ -15,6 +19,7 @@
 #include "modules/path_selection/hc_records.h"
 #include "modules/path_selection/period_drive.h"
 #include "modules/path_selection/startup.h"
+#include "trace/trace_recorder.h"
 #include "wlan/wlan.h"
 
 namespace {
@@ -168,5 +173,32 @@ void BM_GuardedPeriodRun(benchmark::State& state) {
     report(state, bench_allocations() - allocs, n.sim.host.runs().size() - runs, n);
 }
 BENCHMARK(BM_GuardedPeriodRun)->Iterations(200);
+
+// The same period run with every seam recorded to a trace: the cost of
+// recording, and the bytes one run adds to the trace.
+void BM_PeriodRunRecorded(benchmark::State& state) {
+    static PsNode n;
+    char path[] = "/tmp/lynd-bench-trace-XXXXXX";
+    int fd = mkstemp(path);
+    if (fd >= 0)
+        close(fd);
+    if (lynd::trace_control(path, size_t{1} << 40, true) != 0) {
+        state.SkipWithError("no trace file");
+        return;
+    }
+    size_t allocs = bench_allocations(), runs = n.sim.host.runs().size();
+    for (auto _ : state) {
+        n.sim.loop.advance(10000);
+        hc_paths[IF_TYPE_ETH].cur_txbytes += 1000;
+        path_selection_timer_period_hc(&n.conf);
+    }
+    lynd::trace_finish();
+    struct stat st {};
+    (void)stat(path, &st);
+    (void)unlink(path);
+    report(state, bench_allocations() - allocs, n.sim.host.runs().size() - runs, n);
+    state.counters["trace bytes/run"] = benchmark::Counter(double(st.st_size) / double(state.iterations()));
+}
+BENCHMARK(BM_PeriodRunRecorded)->Iterations(200);
 
 }  // namespace

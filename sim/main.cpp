@@ -1,6 +1,8 @@
 // lynd-sim: the daemon on a simulated node.
-//   lynd-sim run [--out DIR] [--timeline FILE.svg] SCENARIO [daemon options]
+//   lynd-sim run [--out DIR] [--timeline FILE.svg] [--record FILE] SCENARIO [daemon options]
 //   lynd-sim check SCENARIO...
+//   lynd-sim replay TRACE [daemon options]
+//   lynd-sim roundtrip SCENARIO...   (record, replay, compare)
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -10,16 +12,20 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "sim/bus_calls_file.h"
+#include "sim/replay_run.h"
 #include "sim/report.h"
 #include "sim/scenario.h"
+#include "sim/trace_anonymize.h"
 #include "sim/sim_node.h"
 #include "sim/state_dir.h"
 #include "sim/timeline_trace.h"
+#include "trace/trace_recorder.h"
 
 namespace {
 
@@ -38,6 +44,7 @@ constexpr int kExitCheckFailed = 3;
 // Virtual time makes a run take well under a second; a child that is still
 // busy after this is stuck.
 constexpr unsigned kCheckTimeLimitS = 120;
+constexpr unsigned kRoundtripTimeLimitS = 900;
 
 void save_state(const char* dir) {
     std::string error;
@@ -70,6 +77,12 @@ int conclude(const lynd::RunOutcome& o) {
 
 // Fatal start-up errors exit with status 1 on the spot, as on the router.
 void on_daemon_exit() {
+    if (lynd::replay_active()) {
+        lynd::ReplayResult r = lynd::replay_conclude(1);
+        std::fputs(r.report.c_str(), stdout);
+        std::fflush(stdout);
+        _exit(r.identical ? 0 : 1);
+    }
     if (g_active.node == nullptr)
         return;
     int status = conclude(g_active.node->finish(1));
@@ -95,7 +108,12 @@ bool load(const char* path, lynd::Scenario* sc, std::string* error) {
 struct RunFiles {
     const char* out_dir = nullptr;
     const char* timeline = nullptr;
+    const char* record = nullptr;
 };
+
+// A simulated run's trace is not bounded as a router's is: the whole run
+// stays replayable.
+constexpr size_t kSimTraceSize = size_t{1} << 40;
 
 int run_one(const lynd::Scenario& sc, Mode mode, const RunFiles& files, const std::vector<std::string>& extra) {
     lynd::SimNode node(sc);
@@ -111,11 +129,20 @@ int run_one(const lynd::Scenario& sc, Mode mode, const RunFiles& files, const st
 
 int run(int argc, char** argv) {
     RunFiles files;
-    while (argc >= 2 && (std::strcmp(argv[0], "--out") == 0 || std::strcmp(argv[0], "--timeline") == 0)) {
-        (std::strcmp(argv[0], "--out") == 0 ? files.out_dir : files.timeline) = argv[1];
+    while (argc >= 2 && argv[0][0] == '-' && argv[0][1] == '-') {
+        if (std::strcmp(argv[0], "--out") == 0)
+            files.out_dir = argv[1];
+        else if (std::strcmp(argv[0], "--timeline") == 0)
+            files.timeline = argv[1];
+        else if (std::strcmp(argv[0], "--record") == 0)
+            files.record = argv[1];
+        else
+            return -1;
         argc -= 2;
         argv += 2;
     }
+    if (files.record != nullptr)
+        lynd::trace_request(files.record, kSimTraceSize);
     if (argc < 1)
         return -1;
     lynd::Scenario sc;
@@ -172,10 +199,136 @@ int check(int argc, char** argv) {
     return failed == 0 ? 0 : 1;
 }
 
+int replay(int argc, char** argv) {
+    lynd::Trace trace;
+    std::string error;
+    if (!lynd::trace_load(argv[0], &trace, &error)) {
+        std::fprintf(stderr, "lynd-sim: %s: %s\n", argv[0], error.c_str());
+        return 2;
+    }
+    std::string config;
+    int first = 1;
+    const char* timeline = nullptr;
+    if (argc >= 3 && std::strcmp(argv[1], "--timeline") == 0) {
+        timeline = argv[2];
+        argv += 2;
+        argc -= 2;
+    }
+    if (argc >= 3 && std::strcmp(argv[1], "--config") == 0) {
+        std::ifstream in(argv[2], std::ios::binary);
+        std::stringstream text;
+        text << in.rdbuf();
+        if (!in) {
+            std::fprintf(stderr, "lynd-sim: %s: cannot read the file\n", argv[2]);
+            return 2;
+        }
+        config = text.str();
+        first = 3;
+    }
+    std::vector<std::string> extra(argv + first, argv + argc);
+    // Other parameters make it a what-if: differences are the answer. The
+    // picture is drawn from one too (its sampling timer is no part of the
+    // record), under the recorded configuration it decides the same.
+    if (first > 1 || !extra.empty() || timeline != nullptr) {
+        lynd::TimelineTrace picture;
+        lynd::ReplayResult r = lynd::what_if_trace(trace, config, extra, timeline != nullptr ? &picture : nullptr);
+        if (timeline != nullptr && !lynd::write_whole_file(timeline, lynd::timeline_svg(picture), &error))
+            std::fprintf(stderr, "lynd-sim: --timeline: %s\n", error.c_str());
+        std::fputs(r.report.c_str(), r.identical ? stdout : stderr);
+        return r.identical ? 0 : 2;
+    }
+    lynd::ReplayResult r = lynd::replay_trace(trace, extra);
+    std::fputs(r.report.c_str(), r.exit_status == 2 ? stderr : stdout);
+    if (r.exit_status == 2 && !r.identical)
+        return 2;
+    return r.identical ? 0 : 1;
+}
+
+// Runs path in a child of its own (as check does) and returns how it ended.
+int in_child(const std::function<int()>& body) {
+    std::fflush(stdout);
+    pid_t pid = fork();
+    if (pid == 0) {
+        // A day's replay under the sanitizers takes minutes, not hours.
+        alarm(kRoundtripTimeLimitS);
+        int status = body();
+        std::fflush(stdout);
+        _exit(status);
+    }
+    int status = 0;
+    if (pid < 0 || waitpid(pid, &status, 0) != pid)
+        return -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// Records a scenario's run and replays it: both must agree to the byte.
+bool roundtrip_one(const char* path) {
+    lynd::Scenario sc;
+    std::string error;
+    if (!load(path, &sc, &error)) {
+        std::printf("FAIL %s: %s\n", path, error.c_str());
+        return false;
+    }
+    char dir[] = "/tmp/lynd-roundtrip-XXXXXX";
+    if (mkdtemp(dir) == nullptr) {
+        std::printf("FAIL %s: no temporary directory: %s\n", path, std::strerror(errno));
+        return false;
+    }
+    std::string trace = std::string(dir) + "/trace";
+    int recorded = in_child([&] {
+        lynd::trace_request(trace.c_str(), kSimTraceSize);
+        std::FILE* quiet = std::freopen("/dev/null", "w", stdout);
+        (void)quiet;
+        (void)run_one(sc, Mode::CHECK, RunFiles{}, {});
+        return 0;
+    });
+    std::printf("%s: ", sc.name.c_str());
+    int replayed = recorded < 0 ? -1 : in_child([&] {
+        char* argv[] = {&trace[0]};
+        return replay(1, argv);
+    });
+    (void)unlink(trace.c_str());
+    (void)rmdir(dir);
+    if (recorded < 0 || replayed != 0)
+        std::printf("FAIL (%s)\n", recorded < 0 ? "the recording run died" : "the replay differs");
+    return recorded >= 0 && replayed == 0;
+}
+
+int roundtrip(int argc, char** argv) {
+    int passed = 0, failed = 0;
+    for (int i = 0; i < argc; i++)
+        roundtrip_one(argv[i]) ? passed++ : failed++;
+    std::printf("%d identical, %d failed\n", passed, failed);
+    return failed == 0 ? 0 : 1;
+}
+
+int anonymize(const char* in_path, const char* out_path) {
+    std::ifstream in(in_path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    std::string out, error;
+    if (!in) {
+        std::fprintf(stderr, "lynd-sim: %s: cannot read the file\n", in_path);
+        return 2;
+    }
+    if (!lynd::trace_anonymize(text.str(), &out, &error)) {
+        std::fprintf(stderr, "lynd-sim: %s: %s\n", in_path, error.c_str());
+        return 2;
+    }
+    if (!lynd::write_whole_file(out_path, out, &error)) {
+        std::fprintf(stderr, "lynd-sim: %s: %s\n", out_path, error.c_str());
+        return 2;
+    }
+    return 0;
+}
+
 int usage() {
     std::fprintf(stderr,
-                 "usage: lynd-sim run [--out DIR] [--timeline FILE.svg] SCENARIO [daemon options]\n"
-                 "       lynd-sim check SCENARIO...\n");
+                 "usage: lynd-sim run [--out DIR] [--timeline FILE.svg] [--record TRACE] SCENARIO [daemon options]\n"
+                 "       lynd-sim check SCENARIO...\n"
+                 "       lynd-sim replay TRACE [--timeline OUT.svg] [--config OTHER.json] [daemon options]\n"
+                 "       lynd-sim roundtrip SCENARIO...\n"
+                 "       lynd-sim anonymize TRACE OUT\n");
     return 2;
 }
 
@@ -188,5 +341,11 @@ int main(int argc, char** argv) {
         status = run(argc - 2, argv + 2);
     else if (argc >= 3 && std::strcmp(argv[1], "check") == 0)
         status = check(argc - 2, argv + 2);
+    else if (argc >= 3 && std::strcmp(argv[1], "replay") == 0)
+        status = replay(argc - 2, argv + 2);
+    else if (argc == 4 && std::strcmp(argv[1], "anonymize") == 0)
+        status = anonymize(argv[2], argv[3]);
+    else if (argc >= 3 && std::strcmp(argv[1], "roundtrip") == 0)
+        status = roundtrip(argc - 2, argv + 2);
     return status < 0 ? usage() : status;
 }

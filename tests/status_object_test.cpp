@@ -1,5 +1,10 @@
 #include <json-c/json.h>
 #include <malloc.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <fstream>
+#include <iterator>
 
 #include "bridge/steering_gate.h"
 #include "core/decision_ring.h"
@@ -359,3 +364,30 @@ TEST_F(StatusObjectTest, TheObjectIsAddedAgainWhenTheBusComesBack) {
 }
 
 }  // namespace
+
+// Started over the bus, a trace records the calls that follow and stops when told.
+TEST_F(StatusObjectTest, RecordStartsAndEndsATraceOverTheBus) {
+    char dir[] = "/tmp/lynd-record-call-XXXXXX";
+    ASSERT_NE(nullptr, mkdtemp(dir));
+    std::string path = std::string(dir) + "/trace";
+    (void)call("record", "{\"file\":\"relative\",\"enable\":true}", lynd::BUS_STATUS_INVALID_ARGUMENT);
+    (void)call("record", "{\"file\":\"/tmp/x\"}", lynd::BUS_STATUS_INVALID_ARGUMENT);
+    Reply on(call("record", "{\"file\":\"" + path + "\",\"enable\":true}"));
+    EXPECT_TRUE(on.flag("record"));
+    EXPECT_EQ(path, on.str("file"));
+    (void)call("paths");
+    Reply off(call("record", "{\"enable\":false}"));
+    EXPECT_FALSE(off.flag("record"));
+    (void)call("paths");
+    std::ifstream in(path);
+    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_NE(std::string::npos, text.find("\"start\":\"call\"")) << text.substr(0, 200);
+    // The paths answer read the clock while the trace ran, and only then.
+    EXPECT_NE(std::string::npos, text.find("\"k\":\"mono\"")) << text.substr(0, 400);
+    size_t last = text.rfind("{\"t\":");
+    ASSERT_NE(std::string::npos, last);
+    EXPECT_NE(std::string::npos, text.find("\"k\":\"stop\"", last)) << text.substr(last);
+    EXPECT_EQ(&bridge, &lynd::krel());  // the decorators are gone again
+    (void)unlink(path.c_str());
+    (void)rmdir(dir);
+}

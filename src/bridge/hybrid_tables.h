@@ -16,6 +16,8 @@ struct hyfi_table_state {
 constexpr int HYFI_TABLE_INITIAL_CAPACITY = 500;
 extern hyfi_table_state g_hyfi_tables;
 void lynd_tables_reset();
+// The bytes of one entry of a fetched table (LYND_TABLE_HC, _FDB); 0 for others.
+int lynd_table_entry_size(int table_type);
 
 // 1 with a library buffer of *count_out entries (released by the caller
 // with bridgeFreeTableBuf), else 0.

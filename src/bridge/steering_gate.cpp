@@ -28,6 +28,13 @@ void steering_gate_remove() {
     (void)install_seams(s);
 }
 
+bool steering_gate_swap_inner(KrelApi* from, KrelApi* to) {
+    if (installed_seams().krel != &g_gate || g_gate.inner() != from)
+        return false;
+    g_gate.set_inner(to);
+    return true;
+}
+
 void* SteeringGate::bridgeAllocTableBuf(int size, const char* bridge_name) {
     return inner_->bridgeAllocTableBuf(size, bridge_name);
 }

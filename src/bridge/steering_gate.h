@@ -47,5 +47,7 @@ private:
 void steering_gate_install();
 // Gives the bridge library back its place.
 void steering_gate_remove();
+// What stands behind the gate, when it is installed and behind it stands from.
+bool steering_gate_swap_inner(KrelApi* from, KrelApi* to);
 
 }  // namespace lynd

@@ -5,14 +5,7 @@
 
 hyfi_table_state g_hyfi_tables = {HYFI_TABLE_INITIAL_CAPACITY};
 
-void lynd_tables_reset() { g_hyfi_tables = hyfi_table_state{HYFI_TABLE_INITIAL_CAPACITY}; }
-
-namespace {
-
-// Far above any real bridge; keeps a confused reply from sizing a huge buffer.
-constexpr int kMaxTableEntries = 16384;
-
-int entry_size(int table_type) {
+int lynd_table_entry_size(int table_type) {
     switch (table_type) {
     case LYND_TABLE_HC:
         return HC_ENTRY_SIZE;
@@ -23,10 +16,17 @@ int entry_size(int table_type) {
     }
 }
 
+void lynd_tables_reset() { g_hyfi_tables = hyfi_table_state{HYFI_TABLE_INITIAL_CAPACITY}; }
+
+namespace {
+
+// Far above any real bridge; keeps a confused reply from sizing a huge buffer.
+constexpr int kMaxTableEntries = 16384;
+
 }  // namespace
 
 int lynd_get_hyfi_bridge_table(const char* bridge_name, int table_type, void** entries_out, int* count_out) {
-    int size = entry_size(table_type);
+    int size = lynd_table_entry_size(table_type);
     if (size == 0)
         return 0;
     lynd::KrelApi& krel = lynd::krel();

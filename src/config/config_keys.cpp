@@ -18,7 +18,8 @@ constexpr config_key kKeys[] = {
     {S::TOP, "bridges", K::OBJECT, false, R::AS_IS, 0, 0},
     {S::TOP, "param", K::OBJECT, false, R::AS_IS, 0, 0},
     {S::TOP, "interfaces", K::OBJECT, false, R::AS_IS, 0, 0},
-    {S::TOP, "record", K::ANY, false, R::AS_IS, 0, 0},
+    {S::TOP, "record", K::STRING, false, R::AS_IS, 0, 0},
+    {S::TOP, "record_size", K::INT, false, R::AS_IS, 0, 0},
     {S::TOP, "clients", K::ANY, false, R::AS_IS, 0, 0},
 
     {S::BRIDGE, "loop_avoidance", K::BOOL, false, R::AS_IS, 0, 0},

@@ -10,6 +10,7 @@
 
 constexpr int LYND_MAX_BRIDGES = 8;
 constexpr int LYND_MAX_INTERFACES = 128;
+constexpr int LYND_RECORD_PATH_LEN = 128;
 
 constexpr uint32_t BR_FLAG_LOOP_AVOIDANCE = 1u << 0;
 constexpr uint32_t BR_FLAG_PATH_SELECTION = 1u << 1;
@@ -50,6 +51,8 @@ struct lynd_config {
     bool shadow;  // decide and tell, steer nothing
     bool syslog;         // log lines go to syslog instead of the console
     bool log_decisions;  // a log line per decision, at the default level
+    char record[LYND_RECORD_PATH_LEN];  // the trace file, empty for none
+    uint32_t record_size;               // bytes of each of its two files
     uint64_t n_bridges;
     conf_bridge bridges[LYND_MAX_BRIDGES];
     uint64_t n_interfaces;

@@ -12,6 +12,17 @@ inline bool lynd_mac_is_zero(const uint8_t* mac) {
     return true;
 }
 
+// The value of one hex digit, -1 for any other character.
+inline int lynd_hex_digit(char c) {
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    return -1;
+}
+
 // Pure: reads text as "XX-XX-XX-XX-XX-XX" when sep is '-', else as
 // "XX:XX:XX:XX:XX:XX". Octets that do not parse are 0; the count parsed.
 int lynd_parse_mac_text(const char* text, char sep, uint8_t* mac_out);

@@ -9,9 +9,11 @@
 #include "daemon/options.h"
 #include "daemon/process_state.h"
 #include "daemon/status_object.h"
+#include "daemon/status_replies.h"
 #include "event/event_dispatch.h"
 #include "event/event_hub.h"
 #include "platform/seams.h"
+#include "trace/trace_recorder.h"
 #include "wlan/traffic_separation.h"
 #include "wlan/wlan_platform.h"
 
@@ -42,6 +44,13 @@ void stop_modules(lynd_config* conf) {
     }
 }
 
+// Options that end the run before it starts; the gate and the trace go again.
+int end_early(int status) {
+    lynd::steering_gate_remove();
+    lynd::trace_finish();
+    return status;
+}
+
 }  // namespace
 
 void config_bridge(lynd_config*) { (void)lynd_platform_init(); }
@@ -54,31 +63,39 @@ void config_bridge_revert(lynd_config* conf) {
 
 int lynd_main(int argc, char** argv) { return lynd_main_with(argc, argv, lynd_module_inits); }
 
+// Options that end the run before it starts; the gate and the trace go again.
+
 int lynd_main_with(int argc, char** argv, const lynd_module_table& modules) {
     lynd_process_state_reset();
+    // The trace goes under the gate: it holds what reached the bridge, and a
+    // replay puts the gate back in front of it.
+    lynd::trace_startup(argc, argv, lynd_version());
+    lynd::steering_gate_install();
     lynd_options opt{};
     switch (lynd_parse_options(argc, argv, &opt)) {
     case lynd_option_action::RUN:
         break;
     case lynd_option_action::USAGE:
-        return 1;
+        return end_early(1);
     case lynd_option_action::HELP:
     case lynd_option_action::TEST:
-        return 0;
+        return end_early(0);
     }
+    lynd::trace_watch_config(opt.config_path);
     g_dgb_lvl = g_lynd_dgb_lvl;
     LYND_LOG("set libkrel g_dgb_lvl=%d!", g_dgb_lvl);
     int64_t started_ms = lynd_monotonic_ms();
-    lynd::steering_gate_install();
 
     lynd_config* conf = &g_conf;
     *conf = lynd_config{};
     lynd_list_init(&conf->modules);
 
     config_load(conf, opt.config_path);
+    lynd::trace_settle(conf->record, conf->record_size);
     if (!conf->enable) {
         LYND_ERR("lynd disabled");
         lynd::steering_gate_remove();
+        lynd::trace_finish();
         return 0;
     }
     lynd_set_shadow_mode(conf->shadow);
@@ -99,5 +116,6 @@ int lynd_main_with(int argc, char** argv, const lynd_module_table& modules) {
     l_ev = nullptr;
     config_free(conf);
     lynd::steering_gate_remove();
+    lynd::trace_finish();
     return 0;
 }

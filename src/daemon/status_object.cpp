@@ -4,6 +4,7 @@
 
 #include "core/decision_ring.h"
 #include "core/shadow.h"
+#include "daemon/record_method.h"
 #include "daemon/status_replies.h"
 #include "event/ubus_receive.h"
 #include "modules/loop_avoidance/bcast_port.h"
@@ -17,7 +18,7 @@ namespace {
 const lynd::bus_policy explain_args[] = {{"mac", BusType::STRING}, {"path", BusType::STRING}};
 const lynd::bus_policy shadow_args[] = {{"enable", lynd::BUS_TYPE_BOOL}};
 
-enum status_method { M_STATUS, M_PATHS, M_CLIENTS, M_EXPLAIN, M_DECISIONS, M_SHADOW, M_COUNTERS, M_COUNT };
+enum status_method { M_STATUS, M_PATHS, M_CLIENTS, M_EXPLAIN, M_DECISIONS, M_SHADOW, M_COUNTERS, M_RECORD, M_COUNT };
 
 const lynd::BusMethod methods[M_COUNT] = {
     {"status", nullptr, 0},
@@ -27,6 +28,7 @@ const lynd::BusMethod methods[M_COUNT] = {
     {"decisions", nullptr, 0},
     {"shadow", shadow_args, 1},
     {"counters", nullptr, 0},
+    {"record", record_args, 3},
 };
 
 status_context g_status;
@@ -85,6 +87,8 @@ int answer(void*, const char* method, const BusMessage& args, BusReply& r) {
     case M_COUNTERS:
         status_put_counters(r);
         return lynd::BUS_STATUS_OK;
+    case M_RECORD:
+        return record_method(g_status.conf, args, r);
     default:
         return lynd::BUS_STATUS_METHOD_NOT_FOUND;
     }

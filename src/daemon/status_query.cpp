@@ -8,16 +8,6 @@ using lynd::BusType;
 
 namespace {
 
-int hex(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
-}
-
 // Exactly "xx:xx:xx:xx:xx:xx" (or with '-'), one separator throughout.
 bool mac_from_text(const char* text, uint8_t* mac) {
     if (text == nullptr || strnlen(text, LYND_MAC_TEXT_LEN) != LYND_MAC_TEXT_LEN - 1)
@@ -26,8 +16,8 @@ bool mac_from_text(const char* text, uint8_t* mac) {
     if (sep != ':' && sep != '-')
         return false;
     for (int i = 0; i < LYND_MAC_LEN; i++) {
-        int hi = hex(text[i * 3]);
-        int lo = hex(text[i * 3 + 1]);
+        int hi = lynd_hex_digit(text[i * 3]);
+        int lo = lynd_hex_digit(text[i * 3 + 1]);
         if (hi < 0 || lo < 0 || (i < LYND_MAC_LEN - 1 && text[i * 3 + 2] != sep))
             return false;
         mac[i] = static_cast<uint8_t>(hi * 16 + lo);

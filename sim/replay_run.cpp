@@ -1,0 +1,168 @@
+#include "sim/replay_run.h"
+
+#include <cinttypes>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+
+#include "daemon/lynd_main.h"
+#include "platform/seams.h"
+#include "sim/replay_bus.h"
+#include "sim/replay_host.h"
+#include "sim/replay_krel.h"
+#include "sim/replay_loop.h"
+#include "sim/timeline_recorder.h"
+#include "sim/what_if.h"
+#include "trace/trace_kinds.h"
+#include "trace/trace_recorder.h"
+#include "wlan/qca/wlan_platform_qca.h"
+
+namespace lynd {
+
+namespace {
+
+// The seams of one replay, installed for its lifetime.
+struct ReplaySeams {
+    explicit ReplaySeams(ReplayTape* tape)
+        : bus(tape), loop(tape, &bus), host(tape), uci(tape), krel(tape) {
+        before = install_seams({&loop, &host, &uci, &krel, &bus});
+        wlan_platform_ops = &wlan_platform_qca;
+        trace_forbid(true);
+    }
+    ~ReplaySeams() {
+        trace_forbid(false);
+        (void)install_seams(before);
+    }
+    ReplayBus bus;
+    ReplayLoop loop;
+    ReplayHost host;
+    ReplayUci uci;
+    ReplayKrel krel;
+    Seams before;
+};
+
+struct Active {
+    ReplayTape* tape = nullptr;
+} g_active;
+
+std::string seconds(int64_t ms) {
+    char b[32];
+    std::snprintf(b, sizeof b, "%" PRId64 ".%03d s", ms / 1000, static_cast<int>(ms % 1000));
+    return b;
+}
+
+// The records before the trace's end that the daemon never came to.
+size_t left_over(const ReplayTape& tape) {
+    const auto& recs = tape.trace().records;
+    size_t n = 0;
+    for (size_t i = tape.taken(); i < recs.size() && recs[i].kind != "stop" && recs[i].kind != "cut"; i++)
+        n++;
+    return n;
+}
+
+}  // namespace
+
+bool trace_load(const char* path, Trace* trace, std::string* error) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    if (!in) {
+        *error = "cannot read the file";
+        return false;
+    }
+    std::string s = text.str();
+    return trace_parse(s.data(), s.size(), trace, error);
+}
+
+bool replay_active() { return g_active.tape != nullptr; }
+
+ReplayResult replay_conclude(int exit_status) {
+    ReplayResult res;
+    ReplayTape& tape = *g_active.tape;
+    res.exit_status = exit_status;
+    res.records = tape.taken();
+    const Divergence& d = tape.divergence();
+    if (d.found) {
+        res.report = "DIVERGED at " + seconds(d.at_ms) + " (trace line " + std::to_string(d.line) +
+                     ")\n  expected: " + d.expected + "\n  actual:   " + d.actual + "\n  inputs just before:\n";
+        for (const auto& b : d.before)
+            res.report += "    " + b + "\n";
+    } else if (size_t rest = left_over(tape)) {
+        const TraceRecord& next = tape.trace().records[tape.taken()];
+        res.report = "DIVERGED at " + seconds(tape.now_ms()) + ": the daemon stopped with " + std::to_string(rest) +
+                     " records to go, next " + trace_record_text(next) + "\n";
+    } else {
+        res.identical = true;
+        res.report = "identical: " + std::to_string(res.records) + " records over " + seconds(tape.now_ms()) +
+                     ", exit status " + std::to_string(exit_status) + "\n";
+    }
+    g_active = Active{};
+    trace_forbid(false);
+    return res;
+}
+
+namespace {
+
+// Checks that trace can be replayed here: empty when it can, else why not.
+std::string unreplayable(const Trace& trace) {
+    if (trace.header.start != "boot")
+        return "the trace starts mid-run (" + trace.header.start + "): a replay needs a trace from the daemon's start\n";
+    if (trace.header.byte_order != trace_host_byte_order())
+        return "the trace was recorded on a " + trace.header.byte_order +
+               "-endian host: its datagrams and tables cannot be replayed here\n";
+    return "";
+}
+
+int run_daemon(const Trace& trace, const std::vector<std::string>& extra) {
+    std::vector<std::string> args = trace.header.args;
+    args.insert(args.end(), extra.begin(), extra.end());
+    std::vector<char*> argv;
+    for (auto& a : args)
+        argv.push_back(&a[0]);
+    argv.push_back(nullptr);
+    return lynd_main(static_cast<int>(args.size()), argv.data());
+}
+
+}  // namespace
+
+ReplayResult what_if_trace(const Trace& trace, const std::string& config, const std::vector<std::string>& extra,
+                           TimelineTrace* timeline) {
+    ReplayResult res;
+    res.exit_status = 2;
+    res.report = unreplayable(trace);
+    if (!res.report.empty())
+        return res;
+    ReplayTape tape(trace);
+    tape.set_what_if();
+    ReplaySeams seams(&tape);
+    if (!config.empty())
+        seams.host.set_config(config);
+    TimelineRecorder recorder;
+    Scenario named;
+    named.name = "replay";
+    if (timeline != nullptr)
+        recorder.start(&seams.loop, named);
+    res.exit_status = run_daemon(trace, extra);
+    if (timeline != nullptr)
+        *timeline = recorder.finish(tape.now_ms());
+    int64_t end_ms = trace.records.empty() ? 0 : trace.records.back().t;
+    res.report = what_if_report(recorded_decisions(trace), decisions_of(tape.outputs()), end_ms);
+    res.identical = true;
+    return res;
+}
+
+ReplayResult replay_trace(const Trace& trace, const std::vector<std::string>& extra) {
+    ReplayResult bad;
+    bad.exit_status = 2;
+    bad.report = unreplayable(trace);
+    if (!bad.report.empty())
+        return bad;
+    ReplayTape tape(trace);
+    ReplaySeams seams(&tape);
+    g_active.tape = &tape;
+
+    return replay_conclude(run_daemon(trace, extra));
+}
+
+}  // namespace lynd

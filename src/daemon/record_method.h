@@ -1,0 +1,10 @@
+// `ubus call lynd record '{"enable":true,"file":"/tmp/lynd.trace","size":N}'`:
+// starts a trace from now on (or ends it). Without "file" the configured one
+// is used; "size" is the bytes of each of the two rotating files.
+#pragma once
+#include "config/lynd_config.h"
+#include "platform/bus.h"
+
+extern const lynd::bus_policy record_args[3];
+
+int record_method(lynd_config* conf, const lynd::BusMessage& args, lynd::BusReply& r);

@@ -1,0 +1,209 @@
+#include "trace/rec_host.h"
+
+#include <cstring>
+
+#include "trace/host_requests.h"
+#include "trace/trace_sink.h"
+
+namespace lynd {
+
+namespace {
+
+char g_config[TRACE_LINE_MAX / 2];
+size_t g_config_len = 0;
+
+int simple(const char* kind, int rc) {
+    TraceLine& l = trace_begin(kind);
+    l.num("rc", rc);
+    trace_emit();
+    return rc;
+}
+
+}  // namespace
+
+const char* rec_host_config_text(size_t* len) {
+    *len = g_config_len;
+    return g_config;
+}
+
+int RecHost::run_capture(const char* const argv[], char* out, size_t size) {
+    int rc = in_->run_capture(argv, out, size);
+    TraceLine& l = trace_begin("run");
+    req_run(l, argv, size);
+    l.num("rc", rc);
+    if (rc > 0)
+        l.text("out", out, static_cast<size_t>(rc) < size ? static_cast<size_t>(rc) : size);
+    trace_emit();
+    return rc;
+}
+
+int RecHost::run_status(const char* const argv[]) {
+    int rc = in_->run_status(argv);
+    TraceLine& l = trace_begin("status");
+    req_run(l, argv, 0);
+    l.num("rc", rc);
+    trace_emit();
+    return rc;
+}
+
+void RecHost::console_write(const char* line, size_t len) {
+    TraceLine& l = trace_begin("log");
+    l.text("line", line, len);
+    trace_emit();
+    in_->console_write(line, len);
+}
+
+unsigned RecHost::if_nametoindex(const char* name) {
+    unsigned rc = in_->if_nametoindex(name);
+    TraceLine& l = trace_begin("ifindex");
+    req_ifname(l, name);
+    l.num("rc", rc);
+    trace_emit();
+    return rc;
+}
+
+HwAddrResult RecHost::get_hwaddr(const char* ifname, uint8_t* mac) {
+    HwAddrResult rc = in_->get_hwaddr(ifname, mac);
+    TraceLine& l = trace_begin("hwaddr");
+    req_ifname(l, ifname);
+    l.num("rc", static_cast<int>(rc));
+    if (rc == HwAddrResult::OK)
+        l.hex("mac", mac, 6);
+    trace_emit();
+    return rc;
+}
+
+bool RecHost::if_indextoname(unsigned ifindex, char* name) {
+    bool ok = in_->if_indextoname(ifindex, name);
+    TraceLine& l = trace_begin("ifname");
+    l.num("index", ifindex);
+    l.num("rc", ok ? 1 : 0);
+    if (ok)
+        l.str("name", name);
+    trace_emit();
+    return ok;
+}
+
+long RecHost::read_file(const char* path, char* buf, size_t size) {
+    long rc = in_->read_file(path, buf, size);
+    TraceLine& l = trace_begin("read");
+    req_read(l, path, size);
+    l.num("rc", rc);
+    size_t n = rc > 0 ? (static_cast<size_t>(rc) < size ? static_cast<size_t>(rc) : size) : 0;
+    if (rc > 0)
+        l.text("data", buf, n);
+    trace_emit();
+    if (config_path_ != nullptr && std::strcmp(path, config_path_) == 0 && n <= sizeof g_config) {
+        std::memcpy(g_config, buf, n);
+        g_config_len = n;
+        config_path_ = nullptr;
+    }
+    return rc;
+}
+
+bool RecHost::write_file(const char* path, const char* data, size_t len) {
+    bool ok = in_->write_file(path, data, len);
+    TraceLine& l = trace_begin("write");
+    req_write(l, path, data, len);
+    l.num("rc", ok ? 1 : 0);
+    trace_emit();
+    return ok;
+}
+
+int RecHost::close_fd(int fd) {
+    int rc = in_->close_fd(fd);
+    TraceLine& l = trace_begin("close");
+    l.num("fd", fd);
+    l.num("rc", rc);
+    trace_emit();
+    return rc;
+}
+
+int RecHost::dgram_socket() { return simple("dgram", in_->dgram_socket()); }
+
+int RecHost::dev_ioctl(int fd, unsigned long request, void* arg) {
+    // The request as the daemon filled it, before the driver writes over it.
+    TraceLine& l = trace_begin("ioctl");
+    req_ioctl(l, fd, request, arg);
+    int rc = in_->dev_ioctl(fd, request, arg);
+    ioctl_answer(l, request, arg, rc);
+    trace_emit();
+    return rc;
+}
+
+int RecHost::packet_socket(uint16_t ethertype) {
+    int rc = in_->packet_socket(ethertype);
+    TraceLine& l = trace_begin("packet");
+    l.num("etype", ethertype);
+    l.num("rc", rc);
+    trace_emit();
+    return rc;
+}
+
+long RecHost::packet_send(int fd, unsigned ifindex, uint16_t ethertype, const uint8_t* dst, const void* frame,
+                          size_t len) {
+    long rc = in_->packet_send(fd, ifindex, ethertype, dst, frame, len);
+    TraceLine& l = trace_begin("send");
+    req_send(l, fd, ifindex, ethertype, dst, frame, len);
+    l.num("rc", rc);
+    trace_emit();
+    return rc;
+}
+
+int RecHost::nl_socket(int protocol) {
+    int rc = in_->nl_socket(protocol);
+    TraceLine& l = trace_begin("nl_socket");
+    l.num("proto", protocol);
+    l.num("rc", rc);
+    trace_emit();
+    return rc;
+}
+
+int RecHost::nl_bind(int fd, uint32_t groups) {
+    int rc = in_->nl_bind(fd, groups);
+    TraceLine& l = trace_begin("nl_bind");
+    l.num("fd", fd);
+    l.num("groups", groups);
+    l.num("rc", rc);
+    trace_emit();
+    return rc;
+}
+
+long RecHost::nl_recv(int fd, void* buf, size_t size) {
+    long rc = in_->nl_recv(fd, buf, size);
+    TraceLine& l = trace_begin("nl_recv");
+    l.num("fd", fd);
+    l.num("size", static_cast<int64_t>(size));
+    l.num("rc", rc);
+    if (rc > 0)
+        l.hex("data", buf, static_cast<size_t>(rc) < size ? static_cast<size_t>(rc) : size);
+    trace_emit();
+    return rc;
+}
+
+timespec RecHost::monotonic_now() {
+    timespec ts = in_->monotonic_now();
+    TraceLine& l = trace_begin("mono");
+    l.num("s", ts.tv_sec);
+    l.num("ns", ts.tv_nsec);
+    trace_emit();
+    return ts;
+}
+
+time_t RecHost::wall_now() {
+    time_t w = in_->wall_now();
+    TraceLine& l = trace_begin("wall");
+    l.num("s", w);
+    trace_emit();
+    return w;
+}
+
+int RecHost::pid() { return simple("pid", in_->pid()); }
+
+void RecHost::ignore_sigpipe() {
+    in_->ignore_sigpipe();
+    trace_begin("sigpipe");
+    trace_emit();
+}
+
+}  // namespace lynd

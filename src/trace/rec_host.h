@@ -1,0 +1,44 @@
+// The host seam, recorded: each question with its answer, each output whole.
+#pragma once
+#include "platform/host.h"
+
+namespace lynd {
+
+class RecHost : public Host {
+public:
+    void set_inner(Host* inner) { in_ = inner; }
+    Host* inner() const { return in_; }
+    // The first read of this path is kept for the trace's header.
+    void watch_config(const char* path) { config_path_ = path; }
+
+    int run_capture(const char* const argv[], char* out, size_t size) override;
+    int run_status(const char* const argv[]) override;
+    void console_write(const char* line, size_t len) override;
+    unsigned if_nametoindex(const char* name) override;
+    HwAddrResult get_hwaddr(const char* ifname, uint8_t* mac) override;
+    bool if_indextoname(unsigned ifindex, char* name) override;
+    long read_file(const char* path, char* buf, size_t size) override;
+    bool write_file(const char* path, const char* data, size_t len) override;
+    int close_fd(int fd) override;
+    int dgram_socket() override;
+    int dev_ioctl(int fd, unsigned long request, void* arg) override;
+    int packet_socket(uint16_t ethertype) override;
+    long packet_send(int fd, unsigned ifindex, uint16_t ethertype, const uint8_t* dst, const void* frame,
+                     size_t len) override;
+    int nl_socket(int protocol) override;
+    int nl_bind(int fd, uint32_t groups) override;
+    long nl_recv(int fd, void* buf, size_t size) override;
+    timespec monotonic_now() override;
+    time_t wall_now() override;
+    int pid() override;
+    void ignore_sigpipe() override;
+
+private:
+    Host* in_ = nullptr;
+    const char* config_path_ = nullptr;
+};
+
+// The configuration text as the daemon read it at start.
+const char* rec_host_config_text(size_t* len);
+
+}  // namespace lynd

@@ -1,0 +1,16 @@
+// The record types of a trace, and which of them the loop dispatches.
+#pragma once
+
+namespace lynd {
+
+constexpr int TRACE_FORMAT_VERSION = 1;
+
+// Records the loop hands to the daemon: a timer firing, a watched fd ready,
+// a bus event, a method call, the bus lost, the run's end (a signal or end()).
+bool trace_kind_is_dispatch(const char* kind);
+// "little" or "big": how this CPU lays out the datagrams and tables it records.
+const char* trace_host_byte_order();
+// Every kind a reader accepts.
+bool trace_kind_is_known(const char* kind);
+
+}  // namespace lynd

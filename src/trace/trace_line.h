@@ -1,0 +1,53 @@
+// One record of a trace: a JSON object on one line, built in fixed storage.
+// Numbers are written as decoded values and raw bytes as hex, so a trace
+// carries nothing of the recording host's word size.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+
+namespace lynd {
+
+// Room for a full hc table of the initial capacity in hex, and then some.
+constexpr size_t TRACE_LINE_MAX = 256 * 1024;
+
+class TraceLine {
+public:
+    // {"t":T,"k":"KIND"
+    void begin(int64_t t, const char* kind);
+    void str(const char* key, const char* s);
+    // Text as a JSON string when it is plain printable text; else its bytes
+    // in hex under key followed by "_x".
+    void text(const char* key, const char* s, size_t n);
+    void num(const char* key, int64_t v);
+    // Bytes in hex, a run of zero bytes as z<count>. ("00ff" "z12." "01").
+    void hex(const char* key, const void* p, size_t n);
+    // A value already in JSON.
+    void raw(const char* key, const char* json, size_t n);
+    void argv(const char* key, const char* const argv[]);
+    // }\n
+    void end();
+
+    const char* data() const { return buf_; }
+    size_t size() const { return len_; }
+    // False when the record did not fit and was cut.
+    bool ok() const { return !overflow_; }
+
+private:
+    void key(const char* k);
+    void put(const char* s, size_t n);
+    void put_char(char c);
+    void put_escaped(const char* s, size_t n);
+
+    char buf_[TRACE_LINE_MAX];
+    size_t len_ = 0;
+    bool overflow_ = false;
+};
+
+// n bytes as a record writes them (hex, zero runs as z<count>.) into out:
+// the length, or more than room when they do not fit.
+size_t trace_hex(char* out, size_t room, const void* p, size_t n);
+
+// True when every byte reads as itself inside a JSON string.
+bool trace_is_plain_text(const char* s, size_t n);
+
+}  // namespace lynd

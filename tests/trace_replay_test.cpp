@@ -1,0 +1,142 @@
+// Recording a simulated run and playing it back against the real daemon.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "sim/replay_run.h"
+#include "sim/scenario.h"
+#include "sim/sim_node.h"
+#include "sim/trace_anonymize.h"
+#include "trace/trace_recorder.h"
+
+namespace {
+
+std::string slurp(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+class TraceReplayTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        char tmpl[] = "/tmp/lynd-replay-test-XXXXXX";
+        ASSERT_NE(nullptr, mkdtemp(tmpl));
+        dir = tmpl;
+    }
+    void TearDown() override {
+        for (const char* f : {"/trace", "/trace.1", "/conf"})
+            (void)unlink((dir + f).c_str());
+        (void)rmdir(dir.c_str());
+    }
+
+    lynd::Scenario scenario(const char* name) {
+        lynd::Scenario sc;
+        std::string text = slurp(std::string(LYND_SOURCE_DIR) + "/scenarios/" + name + ".json"), error;
+        EXPECT_TRUE(lynd::scenario_parse(text.data(), text.size(), &sc, &error)) << error;
+        return sc;
+    }
+
+    // The run's trace as text.
+    std::string record(const lynd::Scenario& sc) {
+        std::string path = dir + "/trace";
+        lynd::trace_request(path.c_str(), size_t{1} << 30);
+        {
+            lynd::SimNode node(sc);
+            (void)node.run("lynd", {});
+        }
+        lynd::trace_request(nullptr, 0);
+        return slurp(path);
+    }
+
+    lynd::ReplayResult replay(const std::string& text, const std::string& config = "",
+                              const std::vector<std::string>& extra = {}) {
+        lynd::Trace t;
+        std::string error;
+        EXPECT_TRUE(lynd::trace_parse(text.data(), text.size(), &t, &error)) << error;
+        if (!config.empty() || !extra.empty())
+            return lynd::what_if_trace(t, config, extra);
+        return lynd::replay_trace(t, extra);
+    }
+
+    std::string dir;
+};
+
+TEST_F(TraceReplayTest, ARecordedRunReplaysIdenticallyAndAChangedOutputIsCaught) {
+    std::string text = record(scenario("ps_weak_5g"));
+    lynd::ReplayResult same = replay(text);
+    EXPECT_TRUE(same.identical) << same.report;
+    EXPECT_EQ(0u, same.report.find("identical: ")) << same.report;
+
+    // The recorded preferred port, changed: the replay must name that line.
+    size_t at = text.find("\"fn\":\"bridgeSetHcPreferred\"");
+    ASSERT_NE(std::string::npos, at);
+    size_t n = text.find("\"n\":", at);
+    std::string bad = text;
+    bad.replace(n, 6, "\"n\":99");
+    size_t line = static_cast<size_t>(std::count(bad.begin(), bad.begin() + static_cast<long>(n), '\n')) + 1;
+    lynd::ReplayResult diff = replay(bad);
+    EXPECT_FALSE(diff.identical);
+    EXPECT_NE(std::string::npos, diff.report.find("DIVERGED at ")) << diff.report;
+    EXPECT_NE(std::string::npos, diff.report.find("(trace line " + std::to_string(line) + ")")) << diff.report;
+    EXPECT_NE(std::string::npos, diff.report.find("\"n\":99")) << diff.report;
+    EXPECT_NE(std::string::npos, diff.report.find("inputs just before:\n    {")) << diff.report;
+}
+
+TEST_F(TraceReplayTest, WhatIfShowsNoDifferenceUnderTheSameConfigAndSomeUnderAnother) {
+    lynd::Scenario sc = scenario("ps_weak_5g");
+    std::string text = record(sc);
+    lynd::ReplayResult same = replay(text, sc.config_text);
+    EXPECT_EQ(0u, same.report.find("decisions that differ (- recorded only, + what-if only): 0\n")) << same.report;
+    EXPECT_NE(std::string::npos, same.report.find("client moves: 3 / 3")) << same.report;
+
+    // A period four times as long decides later: the first moves are gone.
+    std::string slow = sc.config_text;
+    size_t at = slow.find("\"period\":");
+    ASSERT_NE(std::string::npos, at);
+    size_t digits = slow.find("10", at);
+    slow.replace(digits, 2, "40");
+    lynd::ReplayResult other = replay(text, slow);
+    EXPECT_EQ(std::string::npos, other.report.find("differ (- recorded only, + what-if only): 0\n")) << other.report;
+    EXPECT_NE(std::string::npos, other.report.find("  - 30.000 s  move ")) << other.report;
+    EXPECT_NE(std::string::npos, other.report.find("client moves: 3 / 0")) << other.report;
+}
+
+TEST_F(TraceReplayTest, AnAnonymizedTraceHidesEveryClientAndStillReplays) {
+    std::string text = record(scenario("ps_weak_5g"));
+    ASSERT_NE(std::string::npos, text.find("02:00:00:00:0a:01"));
+    std::string anon, error;
+    ASSERT_TRUE(lynd::trace_anonymize(text, &anon, &error)) << error;
+    EXPECT_EQ(std::string::npos, anon.find("02:00:00:00:0a:01"));
+    EXPECT_EQ(std::string::npos, anon.find("0200000000a01"));
+    lynd::ReplayResult r = replay(anon);
+    EXPECT_TRUE(r.identical) << r.report;
+}
+
+TEST_F(TraceReplayTest, TheConfiguredTraceRotatesAtItsSize) {
+    lynd::Scenario sc = scenario("ps_weak_5g");
+    std::string path = dir + "/trace";
+    sc.config_text.insert(sc.config_text.find('{') + 1,
+                          "\"record\": \"" + path + "\", \"record_size\": 65536,");
+    {
+        lynd::SimNode node(sc);
+        (void)node.run("lynd", {});
+    }
+    std::string now = slurp(path), before = slurp(path + ".1");
+    EXPECT_GT(before.size(), 60000u);
+    EXPECT_LE(before.size(), 65536u);
+    EXPECT_LE(now.size(), 65536u);
+    EXPECT_EQ(0u, now.find("{\"t\":")) << now.substr(0, 80);
+    EXPECT_NE(std::string::npos, now.substr(0, now.find('\n')).find("\"start\":\"rotated\""));
+    lynd::ReplayResult r = replay(now);
+    EXPECT_EQ(2, r.exit_status);
+    EXPECT_NE(std::string::npos, r.report.find("starts mid-run")) << r.report;
+}
+
+}  // namespace
