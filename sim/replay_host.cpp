@@ -78,6 +78,13 @@ void ReplayHost::console_write(const char* line, size_t len) {
     (void)tape_->take(l);
 }
 
+void ReplayHost::syslog_write(int priority, const char* line, size_t len) {
+    TraceLine& l = tape_->begin("syslog");
+    l.num("prio", priority);
+    l.text("line", line, len);
+    (void)tape_->take(l);
+}
+
 unsigned ReplayHost::if_nametoindex(const char* name) {
     TraceLine& l = tape_->begin("ifindex");
     req_ifname(l, name);
@@ -111,15 +118,22 @@ long ReplayHost::read_file(const char* path, char* buf, size_t size) {
     TraceLine& l = tape_->begin("read");
     req_read(l, path, size);
     const TraceRecord* r = tape_->take(l);
-    if (has_config_) {
-        // The other configuration answers in place of the recorded one.
-        has_config_ = false;
+    // The other configuration answers every read of the file the daemon
+    // read first, in place of the recorded one.
+    if (has_config_ && config_path_.empty())
+        config_path_ = path;
+    if (has_config_ && config_path_ == path)
         return static_cast<long>(copy_out(config_, buf, size));
-    }
     if (r == nullptr)
         return -1;
     long rc = static_cast<long>(r->num("rc", -1));
     return rc > 0 ? static_cast<long>(copy_out(r->text("data"), buf, size)) : rc;
+}
+
+long ReplayHost::file_size(const char* path) {
+    TraceLine& l = tape_->begin("fsize");
+    l.str("path", path);
+    return static_cast<long>(rc_of(l, -1));
 }
 
 bool ReplayHost::write_file(const char* path, const char* data, size_t len) {

@@ -17,10 +17,12 @@ public:
     int run_capture(const char* const argv[], char* out, size_t size) override;
     int run_status(const char* const argv[]) override;
     void console_write(const char* line, size_t len) override;
+    void syslog_write(int priority, const char* line, size_t len) override;
     unsigned if_nametoindex(const char* name) override;
     HwAddrResult get_hwaddr(const char* ifname, uint8_t* mac) override;
     bool if_indextoname(unsigned ifindex, char* name) override;
     long read_file(const char* path, char* buf, size_t size) override;
+    long file_size(const char* path) override;
     bool write_file(const char* path, const char* data, size_t len) override;
     int close_fd(int fd) override;
     int dgram_socket() override;
@@ -44,6 +46,7 @@ private:
     ReplayTape* tape_;
     std::string config_;
     bool has_config_ = false;
+    std::string config_path_;
     std::string console_;
 };
 

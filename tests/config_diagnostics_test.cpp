@@ -90,10 +90,10 @@ TEST_F(ConfigDiagnosticsTest, TheFatalLineIsFollowedByTheFileAndReason) {
 
 TEST_F(ConfigDiagnosticsTest, OneWarnPerUnknownKeyAndMistypedValue) {
     std::vector<std::string> got = warnings(R"({"enable": true, "enabled": 1, "log_decisions": "on",
-        "record": "/tmp/trace", "clients": [{"mac": "x"}],
+        "record": "/tmp/trace",
         "bridges": {"br-lan": {"loop_avoidance": 1, "path_selection": "no", "hc": true}},
         "param": {"period": "ten", "short_period": "2", "high_threshold": 150, "cpu_threshold": 300,
-                  "reserved_ratio_5g": -1, "weaklink_threshold_rssi_7g": 3, "flap_guard": {"any": "shape"}},
+                  "reserved_ratio_5g": -1, "weaklink_threshold_rssi_7g": 3},
         "interfaces": {"ath12": {"type": "5g", "nonrelay": "yes", "path": true, "priority": 2.5},
                        "eth1": {"type": "ethernet", "compat_group": 258, "class": null}}})");
     const std::vector<std::string> want = {

@@ -53,6 +53,14 @@ void RecHost::console_write(const char* line, size_t len) {
     in_->console_write(line, len);
 }
 
+void RecHost::syslog_write(int priority, const char* line, size_t len) {
+    TraceLine& l = trace_begin("syslog");
+    l.num("prio", priority);
+    l.text("line", line, len);
+    trace_emit();
+    in_->syslog_write(priority, line, len);
+}
+
 unsigned RecHost::if_nametoindex(const char* name) {
     unsigned rc = in_->if_nametoindex(name);
     TraceLine& l = trace_begin("ifindex");
@@ -98,6 +106,15 @@ long RecHost::read_file(const char* path, char* buf, size_t size) {
         g_config_len = n;
         config_path_ = nullptr;
     }
+    return rc;
+}
+
+long RecHost::file_size(const char* path) {
+    long rc = in_->file_size(path);
+    TraceLine& l = trace_begin("fsize");
+    l.str("path", path);
+    l.num("rc", rc);
+    trace_emit();
     return rc;
 }
 
