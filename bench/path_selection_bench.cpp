@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <cstdio>
@@ -182,7 +183,7 @@ void BM_PeriodRunRecorded(benchmark::State& state) {
     int fd = mkstemp(path);
     if (fd >= 0)
         close(fd);
-    if (lynd::trace_control(path, size_t{1} << 40, true) != 0) {
+    if (lynd::trace_control(path, SIZE_MAX, true) != 0) {
         state.SkipWithError("no trace file");
         return;
     }

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -113,7 +114,7 @@ struct RunFiles {
 
 // A simulated run's trace is not bounded as a router's is: the whole run
 // stays replayable.
-constexpr size_t kSimTraceSize = size_t{1} << 40;
+constexpr size_t kSimTraceSize = SIZE_MAX;
 
 int run_one(const lynd::Scenario& sc, Mode mode, const RunFiles& files, const std::vector<std::string>& extra) {
     lynd::SimNode node(sc);
