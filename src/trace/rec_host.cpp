@@ -19,6 +19,15 @@ int simple(const char* kind, int rc) {
     return rc;
 }
 
+// A call whose one argument is a number.
+int with_number(const char* kind, const char* key, int64_t value, int rc) {
+    TraceLine& l = trace_begin(kind);
+    l.num(key, value);
+    l.num("rc", rc);
+    trace_emit();
+    return rc;
+}
+
 }  // namespace
 
 const char* rec_host_config_text(size_t* len) {
@@ -127,14 +136,7 @@ bool RecHost::write_file(const char* path, const char* data, size_t len) {
     return ok;
 }
 
-int RecHost::close_fd(int fd) {
-    int rc = in_->close_fd(fd);
-    TraceLine& l = trace_begin("close");
-    l.num("fd", fd);
-    l.num("rc", rc);
-    trace_emit();
-    return rc;
-}
+int RecHost::close_fd(int fd) { return with_number("close", "fd", fd, in_->close_fd(fd)); }
 
 int RecHost::dgram_socket() { return simple("dgram", in_->dgram_socket()); }
 
@@ -149,12 +151,7 @@ int RecHost::dev_ioctl(int fd, unsigned long request, void* arg) {
 }
 
 int RecHost::packet_socket(uint16_t ethertype) {
-    int rc = in_->packet_socket(ethertype);
-    TraceLine& l = trace_begin("packet");
-    l.num("etype", ethertype);
-    l.num("rc", rc);
-    trace_emit();
-    return rc;
+    return with_number("packet", "etype", ethertype, in_->packet_socket(ethertype));
 }
 
 long RecHost::packet_send(int fd, unsigned ifindex, uint16_t ethertype, const uint8_t* dst, const void* frame,
@@ -167,14 +164,7 @@ long RecHost::packet_send(int fd, unsigned ifindex, uint16_t ethertype, const ui
     return rc;
 }
 
-int RecHost::nl_socket(int protocol) {
-    int rc = in_->nl_socket(protocol);
-    TraceLine& l = trace_begin("nl_socket");
-    l.num("proto", protocol);
-    l.num("rc", rc);
-    trace_emit();
-    return rc;
-}
+int RecHost::nl_socket(int protocol) { return with_number("nl_socket", "proto", protocol, in_->nl_socket(protocol)); }
 
 int RecHost::nl_bind(int fd, uint32_t groups) {
     int rc = in_->nl_bind(fd, groups);
