@@ -108,9 +108,6 @@ namespace {
 std::string unreplayable(const Trace& trace) {
     if (trace.header.start != "boot")
         return "the trace starts mid-run (" + trace.header.start + "): a replay needs a trace from the daemon's start\n";
-    if (trace.header.byte_order != trace_host_byte_order())
-        return "the trace was recorded on a " + trace.header.byte_order +
-               "-endian host: its datagrams and tables cannot be replayed here\n";
     return "";
 }
 

@@ -39,11 +39,10 @@ bool read_header(const TraceRecord& r, TraceHeader* h, std::string* error) {
                     "trace format version " + std::to_string(h->version) + ", this build reads version " +
                         std::to_string(TRACE_FORMAT_VERSION));
     h->daemon = r.str("daemon");
-    h->byte_order = r.str("byte_order");
+    h->host_order = r.str("host_order");
+    h->word_bits = static_cast<int>(r.num("word_bits"));
     h->start = r.str("start");
     h->config = r.text("config");
-    if (h->byte_order != "little" && h->byte_order != "big")
-        return fail(error, r.line, "header has no byte order");
     json_object* args = r.get("args");
     if (args == nullptr || !json_object_is_type(args, json_type_array))
         return fail(error, r.line, "header has no argument list");

@@ -39,7 +39,8 @@ struct TraceRecord {
 struct TraceHeader {
     int version = 0;
     std::string daemon;
-    std::string byte_order;
+    std::string host_order;  // the recording CPU's, for the reader: bytes are little-endian
+    int word_bits = 0;
     std::string start;
     std::string config;
     std::vector<std::string> args;

@@ -7,7 +7,7 @@
 namespace {
 
 const std::string kHeader =
-    "{\"t\":0,\"k\":\"header\",\"lynd_trace\":1,\"daemon\":\"1.1.0\",\"byte_order\":\"little\",\"start\":\"boot\","
+    "{\"t\":0,\"k\":\"header\",\"lynd_trace\":2,\"daemon\":\"1.1.0\",\"host_order\":\"little\",\"word_bits\":64,\"start\":\"boot\","
     "\"args\":[\"lynd\",\"-l\",\"4\"],\"config\":\"{}\"}\n";
 
 std::string parse_error(const std::string& text) {
@@ -35,9 +35,9 @@ TEST(TraceReaderTest, RecordsComeBackWithTheirFieldsAndTheHeaderApart) {
 TEST(TraceReaderTest, EachKindOfBadTraceNamesItsLine) {
     EXPECT_EQ("line 2: truncated record (no end of line)", parse_error(kHeader + "{\"t\":5,\"k\":\"timer\""));
     EXPECT_EQ("line 2: unknown record type \"teleport\"", parse_error(kHeader + "{\"t\":5,\"k\":\"teleport\"}\n"));
-    std::string v2 = kHeader;
-    v2.replace(v2.find("\"lynd_trace\":1"), 14, "\"lynd_trace\":2");
-    EXPECT_EQ("line 1: trace format version 2, this build reads version 1", parse_error(v2));
+    std::string v1 = kHeader;
+    v1.replace(v1.find("\"lynd_trace\":2"), 14, "\"lynd_trace\":1");
+    EXPECT_EQ("line 1: trace format version 1, this build reads version 2", parse_error(v1));
     EXPECT_EQ("line 3: record out of order (at 4 ms after 9 ms)",
               parse_error(kHeader + "{\"t\":9,\"k\":\"timer\",\"id\":0}\n{\"t\":4,\"k\":\"timer\",\"id\":1}\n"));
     EXPECT_EQ("line 2: not a JSON object", parse_error(kHeader + "{\"t\":5,\"k\":\"timer\"} trailing\n"));

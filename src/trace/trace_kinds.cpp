@@ -32,12 +32,14 @@ bool in(const char* const* list, size_t n, const char* kind) {
 
 }  // namespace
 
-const char* trace_host_byte_order() {
+bool trace_host_is_big() {
     const uint16_t probe = 1;
     uint8_t first;
     std::memcpy(&first, &probe, 1);
-    return first == 1 ? "little" : "big";
+    return first == 0;
 }
+
+const char* trace_host_byte_order() { return trace_host_is_big() ? "big" : "little"; }
 
 bool trace_kind_is_dispatch(const char* kind) {
     return in(kDispatch, sizeof kDispatch / sizeof kDispatch[0], kind);

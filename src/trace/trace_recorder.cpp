@@ -107,7 +107,8 @@ void write_header() {
     l.begin(now_ms(), "header");
     l.num("lynd_trace", TRACE_FORMAT_VERSION);
     l.str("daemon", g_rec.version);
-    l.str("byte_order", trace_host_byte_order());
+    l.str("host_order", trace_host_byte_order());
+    l.num("word_bits", static_cast<int64_t>(sizeof(void*) * 8));
     l.str("start", g_rec.start);
     l.argv("args", g_rec.argv);
     size_t len = 0;
