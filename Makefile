@@ -46,7 +46,7 @@ fuzz: deps
 
 # The suite on other CPUs: Debian cross compilers, run under qemu-user.
 cross-test:
-	CROSS_BUILD=$(CROSS_BUILD) JOBS=$(JOBS) tools/cross-test $(ARCH)
+	BUILD=$(BUILD) CROSS_BUILD=$(CROSS_BUILD) JOBS=$(JOBS) tools/cross-test $(ARCH)
 
 bench: deps
 	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DLYND_BENCH=ON $(CMAKE_ARGS)

@@ -2,7 +2,7 @@
 //   lynd-sim run [--out DIR] [--timeline FILE.svg] [--record FILE] SCENARIO [daemon options]
 //   lynd-sim check SCENARIO...
 //   lynd-sim replay TRACE [daemon options]
-//   lynd-sim roundtrip SCENARIO...   (record, replay, compare)
+//   lynd-sim roundtrip [--keep DIR] SCENARIO...   (record, replay, compare)
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -263,7 +263,8 @@ int in_child(const std::function<int()>& body) {
 }
 
 // Records a scenario's run and replays it: both must agree to the byte.
-bool roundtrip_one(const char* path) {
+// keep: a folder where the trace stays (as NAME.trace) for a replay elsewhere.
+bool roundtrip_one(const char* path, const char* keep) {
     lynd::Scenario sc;
     std::string error;
     if (!load(path, &sc, &error)) {
@@ -271,11 +272,11 @@ bool roundtrip_one(const char* path) {
         return false;
     }
     char dir[] = "/tmp/lynd-roundtrip-XXXXXX";
-    if (mkdtemp(dir) == nullptr) {
+    if (keep == nullptr && mkdtemp(dir) == nullptr) {
         std::printf("FAIL %s: no temporary directory: %s\n", path, std::strerror(errno));
         return false;
     }
-    std::string trace = std::string(dir) + "/trace";
+    std::string trace = keep != nullptr ? std::string(keep) + "/" + sc.name + ".trace" : std::string(dir) + "/trace";
     int recorded = in_child([&] {
         lynd::trace_request(trace.c_str(), kSimTraceSize);
         std::FILE* quiet = std::freopen("/dev/null", "w", stdout);
@@ -288,17 +289,25 @@ bool roundtrip_one(const char* path) {
         char* argv[] = {&trace[0]};
         return replay(1, argv);
     });
-    (void)unlink(trace.c_str());
-    (void)rmdir(dir);
+    if (keep == nullptr) {
+        (void)unlink(trace.c_str());
+        (void)rmdir(dir);
+    }
     if (recorded < 0 || replayed != 0)
         std::printf("FAIL (%s)\n", recorded < 0 ? "the recording run died" : "the replay differs");
     return recorded >= 0 && replayed == 0;
 }
 
 int roundtrip(int argc, char** argv) {
+    const char* keep = nullptr;
+    if (argc >= 2 && std::strcmp(argv[0], "--keep") == 0) {
+        keep = argv[1];
+        argc -= 2;
+        argv += 2;
+    }
     int passed = 0, failed = 0;
     for (int i = 0; i < argc; i++)
-        roundtrip_one(argv[i]) ? passed++ : failed++;
+        roundtrip_one(argv[i], keep) ? passed++ : failed++;
     std::printf("%d identical, %d failed\n", passed, failed);
     return failed == 0 ? 0 : 1;
 }
@@ -328,7 +337,7 @@ int usage() {
                  "usage: lynd-sim run [--out DIR] [--timeline FILE.svg] [--record TRACE] SCENARIO [daemon options]\n"
                  "       lynd-sim check SCENARIO...\n"
                  "       lynd-sim replay TRACE [--timeline OUT.svg] [--config OTHER.json] [daemon options]\n"
-                 "       lynd-sim roundtrip SCENARIO...\n"
+                 "       lynd-sim roundtrip [--keep DIR] SCENARIO...\n"
                  "       lynd-sim anonymize TRACE OUT\n");
     return 2;
 }

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "trace/host_requests.h"
+#include "trace/trace_order.h"
 #include "wlan/qca/qca_ioctl.h"
 
 namespace lynd {
@@ -173,7 +174,8 @@ int ReplayHost::dev_ioctl(int fd, unsigned long request, void* arg) {
         break;
     case QCA_IOCTL_STA_TABLE:
         req->u.data.length = static_cast<uint16_t>(r->num("got"));
-        (void)copy_out(r->bytes("data"), req->u.data.pointer, QCA_STA_TABLE_SIZE);
+        trace_bytes_to_host(TraceBytes::STA_TABLE, req->u.data.pointer,
+                            copy_out(r->bytes("data"), req->u.data.pointer, QCA_STA_TABLE_SIZE));
         break;
     default:
         break;
@@ -197,7 +199,9 @@ long ReplayHost::packet_send(int fd, unsigned ifindex, uint16_t ethertype, const
 int ReplayHost::nl_socket(int protocol) {
     TraceLine& l = tape_->begin("nl_socket");
     l.num("proto", protocol);
-    return static_cast<int>(rc_of(l, -EBADF));
+    int fd = static_cast<int>(rc_of(l, -EBADF));
+    families_.note(fd, protocol);
+    return fd;
 }
 
 int ReplayHost::nl_bind(int fd, uint32_t groups) {
@@ -215,7 +219,11 @@ long ReplayHost::nl_recv(int fd, void* buf, size_t size) {
     if (r == nullptr)
         return -EAGAIN;
     long rc = static_cast<long>(r->num("rc", -EAGAIN));
-    return rc > 0 ? static_cast<long>(copy_out(r->bytes("data"), buf, size)) : rc;
+    if (rc <= 0)
+        return rc;
+    size_t n = copy_out(r->bytes("data"), buf, size);
+    trace_bytes_to_host(families_.of(fd), buf, n);
+    return static_cast<long>(n);
 }
 
 timespec ReplayHost::monotonic_now() {

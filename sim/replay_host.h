@@ -4,6 +4,7 @@
 #include "platform/host.h"
 #include "platform/uci_store.h"
 #include "sim/replay_tape.h"
+#include "trace/trace_order.h"
 
 namespace lynd {
 
@@ -48,6 +49,7 @@ private:
     bool has_config_ = false;
     std::string config_path_;
     std::string console_;
+    NlFamilies families_;
 };
 
 class ReplayUci : public UciStore {

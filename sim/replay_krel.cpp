@@ -5,6 +5,7 @@
 
 #include "bridge/port_inventory.h"
 #include "trace/krel_requests.h"
+#include "trace/trace_order.h"
 
 namespace lynd {
 
@@ -57,7 +58,9 @@ int ReplayKrel::bridgeTableAction(const char* bridge_name, int table_type, int* 
     auto it = buffers_.find(buf);
     std::string data = r->bytes("data");
     size_t room = it != buffers_.end() ? static_cast<size_t>(it->second) : 0;
-    std::memcpy(buf, data.data(), data.size() < room ? data.size() : room);
+    size_t n = data.size() < room ? data.size() : room;
+    std::memcpy(buf, data.data(), n);
+    trace_bytes_to_host(trace_table_bytes(table_type), buf, n);
     return rc;
 }
 
@@ -71,7 +74,9 @@ int ReplayKrel::netlink_msg(int msg_type, unsigned char* buf, int size, int prot
         return -1;
     std::string data = r->bytes("data");
     size_t room = static_cast<size_t>(KREL_MSG_HEADER) + static_cast<size_t>(size > 0 ? size : 0);
-    std::memcpy(buf, data.data(), data.size() < room ? data.size() : room);
+    size_t n = data.size() < room ? data.size() : room;
+    std::memcpy(buf, data.data(), n);
+    trace_bytes_to_host(TraceBytes::PORT_REPLY, buf, n);
     return static_cast<int>(r->num("rc", -1));
 }
 

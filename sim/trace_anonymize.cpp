@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "bridge/table_entries.h"
-#include "core/wire.h"
 #include "sim/trace_reader.h"
 #include "trace/trace_line.h"
+#include "trace/trace_order.h"
 #include "wlan/qca/qca_ioctl.h"
 
 namespace lynd {
@@ -112,7 +112,7 @@ void Anonymizer::learn_bytes(const std::string& kind, const char* key, const std
     if (kind == "ioctl" && std::strcmp(key, "data") == 0) {
         const auto* p = reinterpret_cast<const uint8_t*>(b.data());
         for (size_t off = 0; off + QCA_STA_RECORD_MIN <= b.size();) {
-            size_t len = load_u16(p + off + STA_OFF_LEN);
+            size_t len = trace_load_le16(p + off + STA_OFF_LEN);
             learn(b.substr(off + STA_OFF_MAC, 6));
             if (len == 0)
                 break;

@@ -30,6 +30,16 @@ struct link_state_event {
     uint32_t eth_state[4];
 };
 
+// The bridge's message types (a datagram's nlmsg_type) the daemon acts on.
+enum bridge_msg_type : uint32_t {
+    MSG_NEW_HC_ENTRY = 3,  // body: one hc entry
+    MSG_BCAST_UPDATE = 5,
+    MSG_BCAST_UPDATE_2 = 6,
+    MSG_FDB_UPDATE = 7,  // body: one fdb entry
+    MSG_RECONFIGURE = 11,
+    MSG_RECONFIGURE_2 = 12,
+};
+
 struct bridge_event {
     uint32_t msg_type;
     uint64_t data_len;

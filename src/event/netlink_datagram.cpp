@@ -10,9 +10,6 @@
 
 namespace {
 
-constexpr size_t RTATTR_HEADER_LEN = 4;
-constexpr size_t IW_EVENT_MIN_LEN = 8;
-
 // Reads as much of a field as arrived; the rest reads as zero, as in the
 // zeroed receive buffer.
 void read_padded(const uint8_t* buf, size_t n, size_t off, void* field, size_t width) {

@@ -10,7 +10,12 @@ constexpr size_t NL_RECV_BUF_SIZE = 16384;
 constexpr size_t NLMSG_HEADER_LEN = 16;
 constexpr uint16_t NL_RTM_NEWLINK = 16;
 constexpr uint16_t NL_IFLA_WIRELESS = 11;
+constexpr uint16_t NL_RTM_DELLINK = 17;
 constexpr uint16_t NL_IWEVEXPIRED = 0x8C04;
+constexpr size_t IFINFOMSG_INDEX_OFFSET = NLMSG_HEADER_LEN + 4;
+constexpr size_t IFLA_ATTRS_OFFSET = NLMSG_HEADER_LEN + 16;
+constexpr size_t RTATTR_HEADER_LEN = 4;
+constexpr size_t IW_EVENT_MIN_LEN = 8;
 
 // The first message's length field as a zeroed receive buffer holds it.
 uint32_t nl_first_msg_len(const uint8_t* buf, size_t n);

@@ -15,8 +15,6 @@
 
 namespace {
 
-constexpr size_t IFINFOMSG_INDEX_OFFSET = NLMSG_HEADER_LEN + 4;
-constexpr size_t IFLA_ATTRS_OFFSET = NLMSG_HEADER_LEN + 16;
 
 event_hub* hub_of_wifi_fd(lynd::LoopFd* f) {
     return static_cast<event_hub*>(lynd_container_of(f, offsetof(event_hub, wifi_fd)));

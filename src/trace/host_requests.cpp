@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "trace/trace_order.h"
 #include "wlan/qca/qca_ioctl.h"
 
 namespace lynd {
@@ -48,7 +49,7 @@ void req_ioctl(TraceLine& l, int fd, unsigned long request, const void* arg) {
         l.num("param", r.u.value);
         break;
     case QCA_IOCTL_GENERIC:
-        l.hex("cmd", r.u.data.pointer, r.u.data.length);
+        trace_hex_ordered(l, "cmd", TraceBytes::WDS_CMD, r.u.data.pointer, r.u.data.length);
         break;
     case QCA_IOCTL_STA_TABLE:
         l.num("len", r.u.data.length);
@@ -77,7 +78,8 @@ void ioctl_answer(TraceLine& l, unsigned long request, const void* arg, int rc) 
         break;
     case QCA_IOCTL_STA_TABLE:
         l.num("got", r.u.data.length);
-        l.hex("data", r.u.data.pointer, r.u.data.length < QCA_STA_TABLE_SIZE ? r.u.data.length : QCA_STA_TABLE_SIZE);
+        trace_hex_ordered(l, "data", TraceBytes::STA_TABLE, r.u.data.pointer,
+                          r.u.data.length < QCA_STA_TABLE_SIZE ? r.u.data.length : QCA_STA_TABLE_SIZE);
         break;
     default:
         break;

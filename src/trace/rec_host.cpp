@@ -164,7 +164,11 @@ long RecHost::packet_send(int fd, unsigned ifindex, uint16_t ethertype, const ui
     return rc;
 }
 
-int RecHost::nl_socket(int protocol) { return with_number("nl_socket", "proto", protocol, in_->nl_socket(protocol)); }
+int RecHost::nl_socket(int protocol) {
+    int fd = with_number("nl_socket", "proto", protocol, in_->nl_socket(protocol));
+    families_.note(fd, protocol);
+    return fd;
+}
 
 int RecHost::nl_bind(int fd, uint32_t groups) {
     int rc = in_->nl_bind(fd, groups);
@@ -183,7 +187,7 @@ long RecHost::nl_recv(int fd, void* buf, size_t size) {
     l.num("size", static_cast<int64_t>(size));
     l.num("rc", rc);
     if (rc > 0)
-        l.hex("data", buf, static_cast<size_t>(rc) < size ? static_cast<size_t>(rc) : size);
+        trace_hex_ordered(l, "data", families_.of(fd), buf, static_cast<size_t>(rc) < size ? static_cast<size_t>(rc) : size);
     trace_emit();
     return rc;
 }

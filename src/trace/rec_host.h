@@ -1,6 +1,7 @@
 // The host seam, recorded: each question with its answer, each output whole.
 #pragma once
 #include "platform/host.h"
+#include "trace/trace_order.h"
 
 namespace lynd {
 
@@ -38,6 +39,7 @@ public:
 private:
     Host* in_ = nullptr;
     const char* config_path_ = nullptr;
+    NlFamilies families_;
 };
 
 // The configuration text as the daemon read it at start.

@@ -3,6 +3,7 @@
 #include "bridge/hybrid_tables.h"
 #include "bridge/port_inventory.h"
 #include "trace/krel_requests.h"
+#include "trace/trace_order.h"
 #include "trace/trace_sink.h"
 
 namespace lynd {
@@ -57,7 +58,7 @@ int RecKrel::bridgeTableAction(const char* bridge_name, int table_type, int* cou
     int room = entry > 0 ? size_of(buf) / entry : 0;
     int n = *count < 0 ? 0 : (*count > room ? room : *count);
     if (rc == 0)
-        l.hex("data", buf, static_cast<size_t>(n) * static_cast<size_t>(entry));
+        trace_hex_ordered(l, "data", trace_table_bytes(table_type), buf, static_cast<size_t>(n) * static_cast<size_t>(entry));
     trace_emit();
     return rc;
 }
@@ -71,7 +72,7 @@ int RecKrel::netlink_msg(int msg_type, unsigned char* buf, int size, int protoco
     l.num("proto", protocol);
     int rc = in_->netlink_msg(msg_type, buf, size, protocol);
     l.num("rc", rc);
-    l.hex("data", buf, len);
+    trace_hex_ordered(l, "data", TraceBytes::PORT_REPLY, buf, len);
     trace_emit();
     return rc;
 }

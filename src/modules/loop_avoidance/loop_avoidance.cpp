@@ -18,14 +18,6 @@ namespace {
 
 constexpr const char* kFn = "loop_avoidance_event_cb";
 
-enum : uint32_t {
-    MSG_BCAST_UPDATE = 5,
-    MSG_BCAST_UPDATE_2 = 6,
-    MSG_FDB_UPDATE = 7,
-    MSG_RECONFIGURE = 11,
-    MSG_RECONFIGURE_2 = 12,
-};
-
 void apply_switch(uint32_t* flags, uint32_t bit, uint32_t value) {
     if (value == TRI_ON)
         *flags |= bit;

@@ -16,7 +16,6 @@ constexpr const char* kDebugFn = "path_selection_event_debug";
 constexpr const char* kArmFn = "path_selection_arm_timers";
 constexpr const char* kEventFn = "path_selection_event_cb";
 
-constexpr uint32_t kNewHcEntry = 3;
 constexpr uint32_t kMaxLevel = 6;
 
 ps_module* of_module(lynd_module* m) {
@@ -88,7 +87,7 @@ void pathsel_mode(lynd_config* conf, uint8_t mode) {
 
 // A new hc entry arrives as the body of a bridge message.
 void bridge_message(const bridge_event* ev) {
-    if (ev == nullptr || ev->msg_type != kNewHcEntry)
+    if (ev == nullptr || ev->msg_type != MSG_NEW_HC_ENTRY)
         return;
     if (ev->data == nullptr || ev->data_len < sizeof(hc_entry)) {
         LYND_ERR_AS(kEventFn, "new hc entry of %llu bytes, %zu needed: dropped",
