@@ -6,6 +6,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "core/decision_ring.h"
 #include "daemon/lynd_main.h"
 #include "platform/seams.h"
 #include "sim/replay_bus.h"
@@ -123,13 +124,23 @@ int run_daemon(const Trace& trace, const std::vector<std::string>& extra) {
 
 }  // namespace
 
-ReplayResult what_if_trace(const Trace& trace, const std::string& config, const std::vector<std::string>& extra,
-                           TimelineTrace* timeline) {
-    ReplayResult res;
-    res.exit_status = 2;
-    res.report = unreplayable(trace);
-    if (!res.report.empty())
-        return res;
+namespace {
+
+// Path states come from the daemon's own decisions, so they are there at
+// any log level the trace was recorded at.
+struct Watch {
+    ReplayTape* tape = nullptr;
+    std::vector<Decision> states;
+} g_watch;
+
+void note_path_state(const decision& d) {
+    if (d.kind == DECISION_PATH_STATE && g_watch.tape != nullptr)
+        g_watch.states.push_back(Decision{g_watch.tape->now_ms(), "path", d.subject, d.to});
+}
+
+// One replay that answers every question and compares nothing: its decisions.
+std::vector<Decision> what_if_run(const Trace& trace, const std::string& config, const std::vector<std::string>& extra,
+                                  TimelineTrace* timeline, int* exit_status) {
     ReplayTape tape(trace);
     tape.set_what_if();
     ReplaySeams seams(&tape);
@@ -140,11 +151,35 @@ ReplayResult what_if_trace(const Trace& trace, const std::string& config, const 
     named.name = "replay";
     if (timeline != nullptr)
         recorder.start(&seams.loop, named);
-    res.exit_status = run_daemon(trace, extra);
+    g_watch = Watch{};
+    g_watch.tape = &tape;
+    decision_ring_observe(note_path_state);
+    *exit_status = run_daemon(trace, extra);
+    decision_ring_observe(nullptr);
     if (timeline != nullptr)
         *timeline = recorder.finish(tape.now_ms());
+    std::vector<Decision> ds = decisions_of(tape.outputs());
+    ds.insert(ds.end(), g_watch.states.begin(), g_watch.states.end());
+    g_watch = Watch{};
+    return ds;
+}
+
+}  // namespace
+
+ReplayResult what_if_trace(const Trace& trace, const std::string& config, const std::vector<std::string>& extra,
+                           TimelineTrace* timeline) {
+    ReplayResult res;
+    res.exit_status = 2;
+    res.report = unreplayable(trace);
+    if (!res.report.empty())
+        return res;
+    // The recorded run is replayed too: it gives the same decisions the
+    // router made, read the same way as the other run's.
+    int recorded_status = 0;
+    std::vector<Decision> base = what_if_run(trace, "", {}, nullptr, &recorded_status);
+    std::vector<Decision> other = what_if_run(trace, config, extra, timeline, &res.exit_status);
     int64_t end_ms = trace.records.empty() ? 0 : trace.records.back().t;
-    res.report = what_if_report(recorded_decisions(trace), decisions_of(tape.outputs()), end_ms);
+    res.report = what_if_report(base, other, end_ms);
     res.identical = true;
     return res;
 }

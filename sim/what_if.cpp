@@ -33,19 +33,6 @@ bool ends_with(const std::string& s, const std::string& tail) {
     return s.size() >= tail.size() && s.compare(s.size() - tail.size(), tail.size(), tail) == 0;
 }
 
-// "path[ath12] be assessed to WEAKLINK, ..." and "path[ath12] into to GOOD".
-bool path_state(const std::string& line, std::string* path, std::string* state) {
-    size_t p = line.find("path[");
-    size_t q = p == std::string::npos ? p : line.find(']', p);
-    size_t to = q == std::string::npos ? q : line.find(" to ", q);
-    if (to == std::string::npos)
-        return false;
-    *path = line.substr(p + 5, q - p - 5);
-    size_t end = line.find_first_of(",\n", to + 4);
-    *state = line.substr(to + 4, end == std::string::npos ? std::string::npos : end - to - 4);
-    return !state->empty();
-}
-
 bool read_decision(json_object* o, Decision* d) {
     std::string kind = member(o, "k"), fn = member(o, "fn");
     if (kind == "krel" && fn == "bridgeSetHCTableEntries") {
@@ -67,10 +54,6 @@ bool read_decision(json_object* o, Decision* d) {
         d->value = member(o, "data");
         while (!d->value.empty() && d->value.back() == '\n')
             d->value.pop_back();
-        return true;
-    }
-    if (kind == "log" && path_state(member(o, "line"), &d->subject, &d->value)) {
-        d->what = "path";
         return true;
     }
     return false;
@@ -136,15 +119,6 @@ bool decision_of(int64_t at_ms, const std::string& record, Decision* out) {
     json_object_put(o);
     out->at_ms = at_ms;
     return ok;
-}
-
-std::vector<Decision> recorded_decisions(const Trace& trace) {
-    std::vector<Decision> out;
-    Decision d;
-    for (const auto& r : trace.records)
-        if (trace_kind_is_output(r.kind) && decision_of(r.t, trace_record_text(r), &d))
-            out.push_back(d);
-    return changes_only(out);
 }
 
 std::vector<Decision> decisions_of(const std::vector<std::pair<int64_t, std::string>>& outputs) {

@@ -1,5 +1,6 @@
-// What a run decided, read from its outputs: client moves, preferred ports,
-// broadcast ports and path states; and how two runs' decisions differ.
+// What a run decided, read from its outputs: client moves, preferred ports
+// and broadcast ports (path states come from the daemon's decisions); and
+// how two runs' decisions differ.
 #pragma once
 #include <cstdint>
 #include <string>
@@ -21,7 +22,6 @@ struct Decision {
 
 // One output record's decision, if it is one.
 bool decision_of(int64_t at_ms, const std::string& record, Decision* out);
-std::vector<Decision> recorded_decisions(const Trace& trace);
 std::vector<Decision> decisions_of(const std::vector<std::pair<int64_t, std::string>>& outputs);
 // The differences as a timeline and the totals of each run.
 std::string what_if_report(const std::vector<Decision>& base, const std::vector<Decision>& other, int64_t end_ms);

@@ -108,6 +108,23 @@ TEST_F(TraceReplayTest, WhatIfShowsNoDifferenceUnderTheSameConfigAndSomeUnderAno
     EXPECT_NE(std::string::npos, other.report.find("client moves: 2 / 0")) << other.report;
 }
 
+// Path states are told whatever level the router logged at.
+TEST_F(TraceReplayTest, WhatIfSeesPathStatesInATraceAtTheDefaultLogLevel) {
+    lynd::Scenario sc = scenario("ps_weak_5g");
+    sc.args = {};
+    std::string text = record(sc);
+    ASSERT_EQ(std::string::npos, text.find("into to WEAKLINK"));
+    std::string tight = sc.config_text;
+    size_t at = tight.find("\"period\":");
+    ASSERT_NE(std::string::npos, at);
+    tight.replace(tight.find("10", at), 2, "40");
+    lynd::ReplayResult r = replay(text, tight);
+    size_t states = r.report.find("path state changes: ");
+    ASSERT_NE(std::string::npos, states) << r.report;
+    EXPECT_NE(0u, std::strtoul(r.report.c_str() + states + 20, nullptr, 10)) << r.report;
+    EXPECT_NE(std::string::npos, r.report.find(" path ath")) << r.report;
+}
+
 TEST_F(TraceReplayTest, AnAnonymizedTraceHidesEveryClientAndStillReplays) {
     std::string text = record(scenario("ps_weak_5g"));
     ASSERT_NE(std::string::npos, text.find("02:00:00:00:0a:01"));

@@ -12,6 +12,8 @@ const char* const decision_kind_names[DECISION_KINDS] = {"client", "path", "bcas
 
 namespace {
 
+decision_observer g_observer = nullptr;
+
 void copy_text(char* dst, size_t size, const char* src) {
     size_t len = src != nullptr ? strnlen(src, size - 1) : 0;
     std::memcpy(dst, src != nullptr ? src : "", len);
@@ -40,9 +42,13 @@ void decision_record(uint8_t kind, const char* subject, const char* from, const 
     copy_text(d.to, sizeof d.to, to);
     d.reason = reason != nullptr ? reason : "";
     if (g_decisions.log_lines)
-        LYND_DECISION("%s %s %s -> %s: %s", decision_kind_names[kind < 4 ? kind : 0], d.subject,
+        LYND_DECISION("%s %s %s -> %s: %s", decision_kind_names[kind < DECISION_KINDS ? kind : 0], d.subject,
                       d.from[0] != '\0' ? d.from : "none", d.to[0] != '\0' ? d.to : "none", d.reason);
+    if (g_observer != nullptr)
+        g_observer(d);
 }
+
+void decision_ring_observe(decision_observer fn) { g_observer = fn; }
 
 void decision_record_port(uint8_t kind, const char* subject, uint32_t before, uint32_t after, const char* reason) {
     if (before == after)

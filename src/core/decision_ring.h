@@ -37,6 +37,10 @@ extern decision_ring g_decisions;
 void decision_ring_reset();
 void decision_ring_log_lines(bool on);
 
+// Called with each decision as it is made; none unless a tool asks.
+using decision_observer = void (*)(const decision& d);
+void decision_ring_observe(decision_observer fn);
+
 // Texts longer than their field are cut, always terminated.
 void decision_record(uint8_t kind, const char* subject, const char* from, const char* to, const char* reason);
 // Records a port change of subject given by interface index (0 for none);
