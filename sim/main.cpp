@@ -1,7 +1,7 @@
 // lynd-sim: the daemon on a simulated node.
 //   lynd-sim run [--out DIR] [--timeline FILE.svg] [--record FILE] SCENARIO [daemon options]
 //   lynd-sim check SCENARIO...
-//   lynd-sim replay TRACE [daemon options]
+//   lynd-sim replay TRACE [TRACE...] [daemon options]  (the parts of one recording)
 //   lynd-sim roundtrip SCENARIO...   (record, replay, compare)
 #include <sys/wait.h>
 #include <unistd.h>
@@ -26,6 +26,7 @@
 #include "sim/sim_node.h"
 #include "sim/state_dir.h"
 #include "sim/timeline_trace.h"
+#include "sim/trace_dir.h"
 #include "trace/trace_recorder.h"
 
 namespace {
@@ -110,6 +111,7 @@ struct RunFiles {
     const char* out_dir = nullptr;
     const char* timeline = nullptr;
     const char* record = nullptr;
+    std::string trace_dir;  // where a record call's trace goes
 };
 
 // A simulated run's trace is not bounded as a router's is: the whole run
@@ -119,6 +121,7 @@ constexpr size_t kSimTraceSize = SIZE_MAX;
 int run_one(const lynd::Scenario& sc, Mode mode, const RunFiles& files, const std::vector<std::string>& extra) {
     lynd::SimNode node(sc);
     node.host().set_echo(mode == Mode::RUN);
+    node.set_trace_dir(files.trace_dir);
     if (files.timeline != nullptr)
         node.record_timeline();
     g_active = ActiveRun{&node, &sc, mode, files.out_dir, files.timeline};
@@ -152,7 +155,13 @@ int run(int argc, char** argv) {
         std::fprintf(stderr, "lynd-sim: %s: %s\n", argv[0], error.c_str());
         return 2;
     }
-    return run_one(sc, Mode::RUN, files, std::vector<std::string>(argv + 1, argv + argc));
+    files.trace_dir = files.out_dir != nullptr ? lynd::trace_dir_at(files.out_dir) : lynd::trace_dir_make();
+    int status = run_one(sc, Mode::RUN, files, std::vector<std::string>(argv + 1, argv + argc));
+    if (files.out_dir == nullptr && lynd::trace_dir_recordings(files.trace_dir).empty())
+        lynd::trace_dir_remove(files.trace_dir);
+    else if (files.out_dir == nullptr)
+        std::fprintf(stderr, "lynd-sim: the record call's trace is in %s\n", files.trace_dir.c_str());
+    return status;
 }
 
 // The child's own line covers a pass and an expectation that failed; any
@@ -179,7 +188,10 @@ bool check_one(const char* path) {
     pid_t pid = fork();
     if (pid == 0) {
         alarm(kCheckTimeLimitS);
-        int status = run_one(sc, Mode::CHECK, RunFiles{}, {});
+        RunFiles files;
+        files.trace_dir = lynd::trace_dir_make();
+        int status = run_one(sc, Mode::CHECK, files, {});
+        lynd::trace_dir_remove(files.trace_dir);
         std::fflush(stdout);
         _exit(status);
     }
@@ -200,11 +212,18 @@ int check(int argc, char** argv) {
     return failed == 0 ? 0 : 1;
 }
 
+// The trace files come first: the parts of one recording, part 1 first.
 int replay(int argc, char** argv) {
+    std::vector<std::string> files{argv[0]};
+    while (argc > 1 && argv[1][0] != '-') {
+        files.push_back(argv[1]);
+        argv++;
+        argc--;
+    }
     lynd::Trace trace;
     std::string error;
-    if (!lynd::trace_load(argv[0], &trace, &error)) {
-        std::fprintf(stderr, "lynd-sim: %s: %s\n", argv[0], error.c_str());
+    if (!lynd::trace_load_parts(files, &trace, &error)) {
+        std::fprintf(stderr, "lynd-sim: %s", error.c_str());
         return 2;
     }
     std::string config;
@@ -280,16 +299,23 @@ bool roundtrip_one(const char* path) {
         lynd::trace_request(trace.c_str(), kSimTraceSize);
         std::FILE* quiet = std::freopen("/dev/null", "w", stdout);
         (void)quiet;
-        (void)run_one(sc, Mode::CHECK, RunFiles{}, {});
+        RunFiles files;
+        files.trace_dir = dir;
+        (void)run_one(sc, Mode::CHECK, files, {});
         return 0;
     });
-    std::printf("%s: ", sc.name.c_str());
-    int replayed = recorded < 0 ? -1 : in_child([&] {
-        char* argv[] = {&trace[0]};
-        return replay(1, argv);
-    });
-    (void)unlink(trace.c_str());
-    (void)rmdir(dir);
+    // The boot trace, and the trace of each run a record call restarted.
+    int replayed = recorded < 0 ? -1 : 0;
+    for (auto& parts : recorded < 0 ? std::vector<std::vector<std::string>>{} : lynd::trace_dir_recordings(dir)) {
+        std::printf("%s%s: ", sc.name.c_str(), parts.back() == trace ? "" : (" " + parts.back().substr(std::strlen(dir) + 1)).c_str());
+        replayed |= in_child([&] {
+            std::vector<char*> argv;
+            for (auto& p : parts)
+                argv.push_back(&p[0]);
+            return replay(static_cast<int>(argv.size()), argv.data());
+        });
+    }
+    lynd::trace_dir_remove(dir);
     if (recorded < 0 || replayed != 0)
         std::printf("FAIL (%s)\n", recorded < 0 ? "the recording run died" : "the replay differs");
     return recorded >= 0 && replayed == 0;
@@ -327,7 +353,7 @@ int usage() {
     std::fprintf(stderr,
                  "usage: lynd-sim run [--out DIR] [--timeline FILE.svg] [--record TRACE] SCENARIO [daemon options]\n"
                  "       lynd-sim check SCENARIO...\n"
-                 "       lynd-sim replay TRACE [--timeline OUT.svg] [--config OTHER.json] [daemon options]\n"
+                 "       lynd-sim replay TRACE [TRACE...] [--timeline OUT.svg] [--config OTHER.json] [daemon options]\n"
                  "       lynd-sim roundtrip SCENARIO...\n"
                  "       lynd-sim anonymize TRACE OUT\n");
     return 2;
