@@ -234,8 +234,10 @@ TimelineTrace SimNode::timeline() {
 
 RunOutcome SimNode::run(const std::string& argv0, const std::vector<std::string>& extra) {
     arm_timeline();
-    if (record_timeline_)
+    if (record_timeline_) {
         recorder_.start(&loop_, sc_);
+        loop_.keep(recorder_.tick_timer());
+    }
     clients_.start(sc_.clients, sc_.hc_model);
     std::vector<std::string> args{argv0};
     args.insert(args.end(), sc_.args.begin(), sc_.args.end());
