@@ -6,6 +6,7 @@
 #include <sstream>
 #include <string>
 
+#include "file_text.h"
 #include "sim/replay_run.h"
 #include "sim/scenario.h"
 #include "sim/sim_node.h"
@@ -13,13 +14,6 @@
 #include "trace/trace_recorder.h"
 
 namespace {
-
-std::string slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
 
 std::string first_line(const std::string& text) { return text.substr(0, text.find('\n')); }
 

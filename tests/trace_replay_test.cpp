@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 
+#include "file_text.h"
 #include "sim/replay_run.h"
 #include "sim/scenario.h"
 #include "sim/sim_node.h"
@@ -15,13 +16,6 @@
 #include "trace/trace_recorder.h"
 
 namespace {
-
-std::string slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
 
 class TraceReplayTest : public ::testing::Test {
 protected:
