@@ -16,10 +16,11 @@ void lynd_restart_request() {
 
 bool lynd_restart_requested() { return g_restart; }
 
+void lynd_restart_reset() { g_restart = false; }
+
 int lynd_run(int argc, char** argv) {
     int rc = 0;
     do {
-        g_restart = false;
         rc = lynd_main(argc, argv);
     } while (rc == 0 && g_restart);
     return rc;
