@@ -127,6 +127,8 @@ int run_one(const lynd::Scenario& sc, Mode mode, const RunFiles& files, const st
     g_active = ActiveRun{&node, &sc, mode, files.out_dir, files.timeline};
     lynd::RunOutcome o = node.run("lynd", extra);
     int status = conclude(o);
+    if (mode == Mode::RUN && files.trace_dir.empty() && !node.trace_dir().empty())
+        std::fprintf(stderr, "lynd-sim: the record call's trace is in %s\n", node.trace_dir().c_str());
     g_active = ActiveRun{};
     return status;
 }
@@ -155,13 +157,9 @@ int run(int argc, char** argv) {
         std::fprintf(stderr, "lynd-sim: %s: %s\n", argv[0], error.c_str());
         return 2;
     }
-    files.trace_dir = files.out_dir != nullptr ? lynd::trace_dir_at(files.out_dir) : lynd::trace_dir_make();
-    int status = run_one(sc, Mode::RUN, files, std::vector<std::string>(argv + 1, argv + argc));
-    if (files.out_dir == nullptr && lynd::trace_dir_recordings(files.trace_dir).empty())
-        lynd::trace_dir_remove(files.trace_dir);
-    else if (files.out_dir == nullptr)
-        std::fprintf(stderr, "lynd-sim: the record call's trace is in %s\n", files.trace_dir.c_str());
-    return status;
+    if (files.out_dir != nullptr)
+        files.trace_dir = lynd::trace_dir_at(files.out_dir);
+    return run_one(sc, Mode::RUN, files, std::vector<std::string>(argv + 1, argv + argc));
 }
 
 // The child's own line covers a pass and an expectation that failed; any
@@ -184,19 +182,21 @@ bool check_one(const char* path) {
         std::printf("FAIL %s: %s\n", path, error.c_str());
         return false;
     }
+    // Made and removed here: a daemon that exits from inside leaves it too.
+    RunFiles files;
+    files.trace_dir = lynd::trace_dir_make();
     std::fflush(stdout);
     pid_t pid = fork();
     if (pid == 0) {
         alarm(kCheckTimeLimitS);
-        RunFiles files;
-        files.trace_dir = lynd::trace_dir_make();
         int status = run_one(sc, Mode::CHECK, files, {});
-        lynd::trace_dir_remove(files.trace_dir);
         std::fflush(stdout);
         _exit(status);
     }
     int status = 0;
-    if (pid < 0 || waitpid(pid, &status, 0) != pid) {
+    bool ran = pid >= 0 && waitpid(pid, &status, 0) == pid;
+    lynd::trace_dir_remove(files.trace_dir);
+    if (!ran) {
         std::printf("FAIL %s: could not run it: %s\n", sc.name.c_str(), std::strerror(errno));
         return false;
     }

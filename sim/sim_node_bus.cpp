@@ -8,6 +8,7 @@
 
 #include "modules/loop_avoidance/bcast_port.h"
 #include "sim/sim_node.h"
+#include "sim/trace_dir.h"
 
 namespace lynd {
 
@@ -55,7 +56,7 @@ json_object* at_path(json_object* doc, const std::string& path) {
 
 // A record call's file, moved below the run's trace directory: the trace
 // is a real file on the PC and /tmp is shared.
-std::string SimNode::trace_call_args(const TimelineEntry& e) const {
+std::string SimNode::trace_call_args(const TimelineEntry& e) {
     json_object* args = json_tokener_parse(e.data.c_str());
     json_object* file = nullptr;
     if (args == nullptr || !json_object_is_type(args, json_type_object)) {
@@ -67,6 +68,8 @@ std::string SimNode::trace_call_args(const TimelineEntry& e) const {
         std::string given = json_object_get_string(file);
         name = given.substr(given.rfind('/') + 1);
     }
+    if (trace_dir_.empty())
+        trace_dir_ = trace_dir_make();
     json_object_object_add(args, "file", json_object_new_string((trace_dir_ + "/" + name).c_str()));
     std::string text = json_object_to_json_string_ext(args, JSON_C_TO_STRING_PLAIN);
     json_object_put(args);
@@ -75,7 +78,7 @@ std::string SimNode::trace_call_args(const TimelineEntry& e) const {
 
 void SimNode::call(const TimelineEntry& e) {
     std::string reply;
-    bool record = e.name == "lynd" && e.method == "record" && !trace_dir_.empty();
+    bool record = e.name == "lynd" && e.method == "record";
     int status = bus_.call(e.name, e.method, record ? trace_call_args(e) : e.data, &reply);
     bus_calls_.push_back(BusCallRecord{loop_.now_ms(), e.name, e.method, e.data, status, reply});
 }
