@@ -1,7 +1,7 @@
 // lynd-sim: the daemon on a simulated node.
 //   lynd-sim run [--out DIR] [--timeline FILE.svg] [--record FILE] SCENARIO [daemon options]
 //   lynd-sim check SCENARIO...
-//   lynd-sim replay TRACE [TRACE...] [daemon options]  (the parts of one recording)
+//   lynd-sim replay TRACE [daemon options]
 //   lynd-sim roundtrip SCENARIO...   (record, replay, compare)
 #include <sys/wait.h>
 #include <unistd.h>
@@ -281,6 +281,24 @@ int in_child(const std::function<int()>& body) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
+// Where a roundtrip's record calls put their traces.
+std::string calls_dir(const std::string& trace) { return trace + ".calls"; }
+
+// The trace of each run a record call restarted, its parts chained; the
+// directory goes after.
+int replay_calls(const std::string& dir) {
+    int status = 0;
+    for (auto& parts : lynd::trace_dir_recordings(dir)) {
+        std::printf("  %s: ", parts.back().substr(dir.size() + 1).c_str());
+        std::vector<char*> argv;
+        for (auto& p : parts)
+            argv.push_back(&p[0]);
+        status |= replay(static_cast<int>(argv.size()), argv.data());
+    }
+    lynd::trace_dir_remove(dir);
+    return status;
+}
+
 // Records a scenario's run and replays it: both must agree to the byte.
 bool roundtrip_one(const char* path) {
     lynd::Scenario sc;
@@ -300,22 +318,17 @@ bool roundtrip_one(const char* path) {
         std::FILE* quiet = std::freopen("/dev/null", "w", stdout);
         (void)quiet;
         RunFiles files;
-        files.trace_dir = dir;
+        files.trace_dir = lynd::trace_dir_at(calls_dir(trace).c_str());
         (void)run_one(sc, Mode::CHECK, files, {});
         return 0;
     });
-    // The boot trace, and the trace of each run a record call restarted.
-    int replayed = recorded < 0 ? -1 : 0;
-    for (auto& parts : recorded < 0 ? std::vector<std::vector<std::string>>{} : lynd::trace_dir_recordings(dir)) {
-        std::printf("%s%s: ", sc.name.c_str(), parts.back() == trace ? "" : (" " + parts.back().substr(std::strlen(dir) + 1)).c_str());
-        replayed |= in_child([&] {
-            std::vector<char*> argv;
-            for (auto& p : parts)
-                argv.push_back(&p[0]);
-            return replay(static_cast<int>(argv.size()), argv.data());
-        });
-    }
-    lynd::trace_dir_remove(dir);
+    std::printf("%s: ", sc.name.c_str());
+    int replayed = recorded < 0 ? -1 : in_child([&] {
+        char* argv[] = {&trace[0]};
+        return replay(1, argv) | replay_calls(calls_dir(trace));
+    });
+    (void)unlink(trace.c_str());
+    (void)rmdir(dir);
     if (recorded < 0 || replayed != 0)
         std::printf("FAIL (%s)\n", recorded < 0 ? "the recording run died" : "the replay differs");
     return recorded >= 0 && replayed == 0;
