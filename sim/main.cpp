@@ -158,7 +158,7 @@ int run(int argc, char** argv) {
         return 2;
     }
     if (files.out_dir != nullptr)
-        files.trace_dir = lynd::trace_dir_at(files.out_dir);
+        files.trace_dir = files.out_dir;
     return run_one(sc, Mode::RUN, files, std::vector<std::string>(argv + 1, argv + argc));
 }
 
@@ -285,7 +285,7 @@ int in_child(const std::function<int()>& body) {
 std::string calls_dir(const std::string& trace) { return trace + ".calls"; }
 
 // The trace of each run a record call restarted, its parts chained; the
-// directory goes after.
+// directory goes after (none was made without a record call).
 int replay_calls(const std::string& dir) {
     int status = 0;
     for (auto& parts : lynd::trace_dir_recordings(dir)) {
@@ -318,7 +318,7 @@ bool roundtrip_one(const char* path) {
         std::FILE* quiet = std::freopen("/dev/null", "w", stdout);
         (void)quiet;
         RunFiles files;
-        files.trace_dir = lynd::trace_dir_at(calls_dir(trace).c_str());
+        files.trace_dir = calls_dir(trace);
         (void)run_one(sc, Mode::CHECK, files, {});
         return 0;
     });

@@ -55,8 +55,8 @@ public:
     SimBus& bus() { return bus_; }
     const std::vector<BusCallRecord>& bus_calls() const { return bus_calls_; }
     // Before run(): a trace asked for by a `record` call is written below
-    // dir on the PC (by its file's base name), never where the call says;
-    // without one the first such call makes a private one.
+    // dir on the PC (by its file's base name), never where the call says.
+    // The first such call makes dir, or a private one when none was set.
     void set_trace_dir(const std::string& dir) { trace_dir_ = dir; }
     const std::string& trace_dir() const { return trace_dir_; }
     // Before run(): watch the run for the timeline picture.

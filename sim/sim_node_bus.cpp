@@ -59,7 +59,9 @@ json_object* at_path(json_object* doc, const std::string& path) {
 std::string SimNode::trace_call_args(const TimelineEntry& e) {
     json_object* args = json_tokener_parse(e.data.c_str());
     json_object* file = nullptr;
-    if (args == nullptr || !json_object_is_type(args, json_type_object)) {
+    json_object* enable = nullptr;
+    if (args == nullptr || !json_object_is_type(args, json_type_object) ||
+        !json_object_object_get_ex(args, "enable", &enable) || !json_object_get_boolean(enable)) {
         json_object_put(args);
         return e.data;
     }
@@ -68,9 +70,10 @@ std::string SimNode::trace_call_args(const TimelineEntry& e) {
         std::string given = json_object_get_string(file);
         name = given.substr(given.rfind('/') + 1);
     }
-    if (trace_dir_.empty())
-        trace_dir_ = trace_dir_make();
-    json_object_object_add(args, "file", json_object_new_string((trace_dir_ + "/" + name).c_str()));
+    trace_dir_ = trace_dir_.empty() ? trace_dir_make() : trace_dir_at(trace_dir_.c_str());
+    // With no place on the PC the call names none, and the daemon refuses it.
+    std::string path = trace_dir_.empty() ? "" : trace_dir_ + "/" + name;
+    json_object_object_add(args, "file", json_object_new_string(path.c_str()));
     std::string text = json_object_to_json_string_ext(args, JSON_C_TO_STRING_PLAIN);
     json_object_put(args);
     return text;
