@@ -1,5 +1,4 @@
 #include "daemon/lynd_main.h"
-#include "daemon/lynd_run.h"
 
 #include "config/config.h"
 #include "bridge/steering_gate.h"
@@ -7,6 +6,7 @@
 #include "core/decision_ring.h"
 #include "core/log.h"
 #include "core/shadow.h"
+#include "daemon/lynd_run.h"
 #include "daemon/options.h"
 #include "daemon/process_state.h"
 #include "daemon/status_object.h"
