@@ -1,7 +1,7 @@
 // lynd-sim: the daemon on a simulated node.
 //   lynd-sim run [--out DIR] [--timeline FILE.svg] [--record FILE] SCENARIO [daemon options]
 //   lynd-sim check SCENARIO...
-//   lynd-sim replay TRACE [daemon options]
+//   lynd-sim replay TRACE [TRACE...] [daemon options]
 //   lynd-sim roundtrip [--keep DIR] SCENARIO...   (record, replay, compare)
 #include <sys/wait.h>
 #include <unistd.h>
@@ -26,6 +26,7 @@
 #include "sim/sim_node.h"
 #include "sim/state_dir.h"
 #include "sim/timeline_trace.h"
+#include "sim/trace_dir.h"
 #include "trace/trace_recorder.h"
 
 namespace {
@@ -110,6 +111,7 @@ struct RunFiles {
     const char* out_dir = nullptr;
     const char* timeline = nullptr;
     const char* record = nullptr;
+    std::string trace_dir;  // where a record call's trace goes
 };
 
 // A simulated run's trace is not bounded as a router's is: the whole run
@@ -119,11 +121,14 @@ constexpr size_t kSimTraceSize = SIZE_MAX;
 int run_one(const lynd::Scenario& sc, Mode mode, const RunFiles& files, const std::vector<std::string>& extra) {
     lynd::SimNode node(sc);
     node.host().set_echo(mode == Mode::RUN);
+    node.set_trace_dir(files.trace_dir);
     if (files.timeline != nullptr)
         node.record_timeline();
     g_active = ActiveRun{&node, &sc, mode, files.out_dir, files.timeline};
     lynd::RunOutcome o = node.run("lynd", extra);
     int status = conclude(o);
+    if (mode == Mode::RUN && files.trace_dir.empty() && !node.trace_dir().empty())
+        std::fprintf(stderr, "lynd-sim: the record call's trace is in %s\n", node.trace_dir().c_str());
     g_active = ActiveRun{};
     return status;
 }
@@ -152,6 +157,8 @@ int run(int argc, char** argv) {
         std::fprintf(stderr, "lynd-sim: %s: %s\n", argv[0], error.c_str());
         return 2;
     }
+    if (files.out_dir != nullptr)
+        files.trace_dir = files.out_dir;
     return run_one(sc, Mode::RUN, files, std::vector<std::string>(argv + 1, argv + argc));
 }
 
@@ -175,16 +182,21 @@ bool check_one(const char* path) {
         std::printf("FAIL %s: %s\n", path, error.c_str());
         return false;
     }
+    // Made and removed here: a daemon that exits from inside leaves it too.
+    RunFiles files;
+    files.trace_dir = lynd::trace_dir_make();
     std::fflush(stdout);
     pid_t pid = fork();
     if (pid == 0) {
         alarm(kCheckTimeLimitS);
-        int status = run_one(sc, Mode::CHECK, RunFiles{}, {});
+        int status = run_one(sc, Mode::CHECK, files, {});
         std::fflush(stdout);
         _exit(status);
     }
     int status = 0;
-    if (pid < 0 || waitpid(pid, &status, 0) != pid) {
+    bool ran = pid >= 0 && waitpid(pid, &status, 0) == pid;
+    lynd::trace_dir_remove(files.trace_dir);
+    if (!ran) {
         std::printf("FAIL %s: could not run it: %s\n", sc.name.c_str(), std::strerror(errno));
         return false;
     }
@@ -200,11 +212,18 @@ int check(int argc, char** argv) {
     return failed == 0 ? 0 : 1;
 }
 
+// The trace files come first: the parts of one recording, part 1 first.
 int replay(int argc, char** argv) {
+    std::vector<std::string> files{argv[0]};
+    while (argc > 1 && argv[1][0] != '-') {
+        files.push_back(argv[1]);
+        argv++;
+        argc--;
+    }
     lynd::Trace trace;
     std::string error;
-    if (!lynd::trace_load(argv[0], &trace, &error)) {
-        std::fprintf(stderr, "lynd-sim: %s: %s\n", argv[0], error.c_str());
+    if (!lynd::trace_load_parts(files, &trace, &error)) {
+        std::fprintf(stderr, "lynd-sim: %s", error.c_str());
         return 2;
     }
     std::string config;
@@ -262,6 +281,24 @@ int in_child(const std::function<int()>& body) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
+// Where a roundtrip's record calls put their traces.
+std::string calls_dir(const std::string& trace) { return trace + ".calls"; }
+
+// The trace of each run a record call restarted, its parts chained; the
+// directory goes after (none was made without a record call).
+int replay_calls(const std::string& dir) {
+    int status = 0;
+    for (auto& parts : lynd::trace_dir_recordings(dir)) {
+        std::printf("  %s: ", parts.back().substr(dir.size() + 1).c_str());
+        std::vector<char*> argv;
+        for (auto& p : parts)
+            argv.push_back(&p[0]);
+        status |= replay(static_cast<int>(argv.size()), argv.data());
+    }
+    lynd::trace_dir_remove(dir);
+    return status;
+}
+
 // Records a scenario's run and replays it: both must agree to the byte.
 // keep: a folder where the trace stays (as NAME.trace) for a replay elsewhere.
 bool roundtrip_one(const char* path, const char* keep) {
@@ -281,13 +318,15 @@ bool roundtrip_one(const char* path, const char* keep) {
         lynd::trace_request(trace.c_str(), kSimTraceSize);
         std::FILE* quiet = std::freopen("/dev/null", "w", stdout);
         (void)quiet;
-        (void)run_one(sc, Mode::CHECK, RunFiles{}, {});
+        RunFiles files;
+        files.trace_dir = calls_dir(trace);
+        (void)run_one(sc, Mode::CHECK, files, {});
         return 0;
     });
     std::printf("%s: ", sc.name.c_str());
     int replayed = recorded < 0 ? -1 : in_child([&] {
         char* argv[] = {&trace[0]};
-        return replay(1, argv);
+        return replay(1, argv) | replay_calls(calls_dir(trace));
     });
     if (keep == nullptr) {
         (void)unlink(trace.c_str());
@@ -336,7 +375,7 @@ int usage() {
     std::fprintf(stderr,
                  "usage: lynd-sim run [--out DIR] [--timeline FILE.svg] [--record TRACE] SCENARIO [daemon options]\n"
                  "       lynd-sim check SCENARIO...\n"
-                 "       lynd-sim replay TRACE [--timeline OUT.svg] [--config OTHER.json] [daemon options]\n"
+                 "       lynd-sim replay TRACE [TRACE...] [--timeline OUT.svg] [--config OTHER.json] [daemon options]\n"
                  "       lynd-sim roundtrip [--keep DIR] SCENARIO...\n"
                  "       lynd-sim anonymize TRACE OUT\n");
     return 2;

@@ -14,6 +14,7 @@
 #include "sim/replay_krel.h"
 #include "sim/replay_loop.h"
 #include "sim/timeline_recorder.h"
+#include "sim/trace_chain.h"
 #include "sim/what_if.h"
 #include "trace/trace_kinds.h"
 #include "trace/trace_recorder.h"
@@ -76,6 +77,17 @@ bool trace_load(const char* path, Trace* trace, std::string* error) {
     return trace_parse(s.data(), s.size(), trace, error);
 }
 
+bool trace_load_parts(const std::vector<std::string>& paths, Trace* trace, std::string* error) {
+    std::vector<Trace> parts(paths.size());
+    for (size_t i = 0; i < paths.size(); i++) {
+        if (!trace_load(paths[i].c_str(), &parts[i], error)) {
+            *error = paths[i] + ": " + *error + "\n";
+            return false;
+        }
+    }
+    return trace_chain(std::move(parts), paths, trace, error);
+}
+
 bool replay_active() { return g_active.tape != nullptr; }
 
 ReplayResult replay_conclude(int exit_status) {
@@ -85,7 +97,8 @@ ReplayResult replay_conclude(int exit_status) {
     res.records = tape.taken();
     const Divergence& d = tape.divergence();
     if (d.found) {
-        res.report = "DIVERGED at " + seconds(d.at_ms) + " (trace line " + std::to_string(d.line) +
+        std::string where = d.part > 1 ? "part " + std::to_string(d.part) + ", line " : "trace line ";
+        res.report = "DIVERGED at " + seconds(d.at_ms) + " (" + where + std::to_string(d.line) +
                      ")\n  expected: " + d.expected + "\n  actual:   " + d.actual + "\n  inputs just before:\n";
         for (const auto& b : d.before)
             res.report += "    " + b + "\n";
@@ -107,7 +120,9 @@ namespace {
 
 // Checks that trace can be replayed here: empty when it can, else why not.
 std::string unreplayable(const Trace& trace) {
-    if (trace.header.start != "boot")
+    if (trace.header.part != 1)
+        return trace_chain_missing_start("the trace", trace.header.part);
+    if (trace.header.start != "boot" && trace.header.start != "call")
         return "the trace starts mid-run (" + trace.header.start + "): a replay needs a trace from the daemon's start\n";
     return "";
 }

@@ -18,6 +18,8 @@ struct ReplayResult {
 
 // Reads a trace file whole and parses it; false with error on any fault.
 bool trace_load(const char* path, Trace* trace, std::string* error);
+// Reads the files of one recording (part 1 first) as one trace.
+bool trace_load_parts(const std::vector<std::string>& paths, Trace* trace, std::string* error);
 // Replays trace against the real daemon; extra options go after the
 // recorded ones.
 ReplayResult replay_trace(const Trace& trace, const std::vector<std::string>& extra);

@@ -139,6 +139,7 @@ void ReplayTape::diverge(const std::string& expected, const std::string& actual)
     divergence_.found = true;
     divergence_.at_ms = now_ms_;
     divergence_.line = pos_ < trace_.records.size() ? trace_.records[pos_].line : 0;
+    divergence_.part = pos_ < trace_.records.size() ? trace_.records[pos_].part : 1;
     divergence_.expected = expected;
     divergence_.actual = actual;
     divergence_.before = recent_;

@@ -17,6 +17,7 @@ struct Divergence {
     bool found = false;
     int64_t at_ms = 0;
     int line = 0;
+    int part = 1;
     std::string expected;
     std::string actual;
     std::deque<std::string> before;  // the inputs just before, oldest first

@@ -48,12 +48,14 @@ void SimClients::start(const std::vector<SimClient>& clients, const SimHcModel& 
     bridge_->set_hc_observer(this);
     model_ = model;
     refill_.timer.cb = on_refill;
+    loop_->keep(&refill_.timer);
     refill_.owner = this;
     members_.resize(clients.size());
     for (size_t i = 0; i < clients.size(); i++) {
         members_[i].c = clients[i];
         members_[i].owner = this;
         members_[i].timer.cb = on_member_timer;
+        loop_->keep(&members_[i].timer);
         loop_->timer_set(&members_[i].timer, static_cast<int>(clients[i].join_ms));
     }
     own_pending_ = model_.own_entry;

@@ -124,6 +124,7 @@ private:
         int protocol;
         uint32_t groups;
         bool open;
+        bool bound;
     };
     std::vector<NlSocket> nl_sockets_;  // index + 100 is the descriptor
     std::map<int, std::vector<std::pair<int, std::string>>> nl_queues_;  // error or datagram

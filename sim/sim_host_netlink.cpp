@@ -10,7 +10,7 @@ int SimHost::nl_socket(int protocol) {
     auto err = nl_socket_errors_.find(protocol);
     if (err != nl_socket_errors_.end() && err->second != 0)
         return -err->second;
-    nl_sockets_.push_back(NlSocket{protocol, 0, true});
+    nl_sockets_.push_back(NlSocket{protocol, 0, true, false});
     return kFirstNlFd + static_cast<int>(nl_sockets_.size()) - 1;
 }
 
@@ -21,7 +21,12 @@ int SimHost::nl_bind(int fd, uint32_t groups) {
     auto err = nl_bind_errors_.find(nl_sockets_[idx].protocol);
     if (err != nl_bind_errors_.end() && err->second != 0)
         return -err->second;
+    // Bound by the process id, as the daemon binds: one per protocol.
+    for (const NlSocket& s : nl_sockets_)
+        if (s.open && s.bound && s.protocol == nl_sockets_[idx].protocol && &s != &nl_sockets_[idx])
+            return -EADDRINUSE;
     nl_sockets_[idx].groups = groups;
+    nl_sockets_[idx].bound = true;
     return 0;
 }
 

@@ -1,5 +1,8 @@
 #include "sim/sim_loop.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace lynd {
 
 int SimLoop::init() {
@@ -10,7 +13,18 @@ int SimLoop::init() {
 
 void SimLoop::done() {
     done_count_++;
+    std::vector<std::pair<LoopTimer*, int64_t>> armed;
+    for (LoopTimer* t : kept_)
+        if (t->pending)
+            armed.emplace_back(t, t->expires_ms);
     timers_.clear();
+    for (const auto& a : armed)
+        timers_.add(a.first, a.second);
+}
+
+void SimLoop::keep(LoopTimer* t) {
+    if (std::find(kept_.begin(), kept_.end(), t) == kept_.end())
+        kept_.push_back(t);
 }
 
 int SimLoop::timer_set(LoopTimer* t, int msecs) {

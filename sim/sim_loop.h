@@ -2,6 +2,7 @@
 // next, so hours of a scenario run in milliseconds.
 #pragma once
 #include <cstdint>
+#include <vector>
 
 #include "platform/loop.h"
 #include "platform/timer_queue.h"
@@ -31,6 +32,9 @@ public:
     // nothing watches fd.
     bool fd_ready(int fd);
     int init_count() const { return init_count_; }
+    // t is the node's, not the daemon's: it stays armed when a run of the
+    // daemon ends (a restart within the process).
+    void keep(LoopTimer* t);
     int done_count() const { return done_count_; }
 
 private:
@@ -38,6 +42,7 @@ private:
 
     static constexpr int kMaxWatches = 8;
     LoopFd* watches_[kMaxWatches] = {};
+    std::vector<LoopTimer*> kept_;
     TimerQueue timers_;
     int64_t now_ms_ = 0;
     int64_t stop_ms_ = INT64_MAX;

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "core/mac.h"
-#include "daemon/lynd_main.h"
+#include "daemon/lynd_run.h"
 #include "daemon/process_state.h"
 #include "event/bridge_events.h"
 #include "platform/seams.h"
@@ -70,6 +70,7 @@ void SimNode::arm_timeline() {
         if (x.at_ms >= 0)
             timers_.push_back(TimelineTimer{LoopTimer{}, this, nullptr, &x});
     for (auto& t : timers_) {
+        loop_.keep(&t.timer);
         t.timer.cb = fire;
         loop_.timer_set(&t.timer, static_cast<int>(t.entry ? t.entry->at_ms : t.expect->at_ms));
     }
@@ -233,8 +234,10 @@ TimelineTrace SimNode::timeline() {
 
 RunOutcome SimNode::run(const std::string& argv0, const std::vector<std::string>& extra) {
     arm_timeline();
-    if (record_timeline_)
+    if (record_timeline_) {
         recorder_.start(&loop_, sc_);
+        loop_.keep(recorder_.tick_timer());
+    }
     clients_.start(sc_.clients, sc_.hc_model);
     std::vector<std::string> args{argv0};
     args.insert(args.end(), sc_.args.begin(), sc_.args.end());
@@ -243,7 +246,7 @@ RunOutcome SimNode::run(const std::string& argv0, const std::vector<std::string>
     for (auto& a : args)
         argv.push_back(&a[0]);
     argv.push_back(nullptr);
-    int rc = lynd_main(static_cast<int>(args.size()), argv.data());
+    int rc = lynd_run(static_cast<int>(args.size()), argv.data());
     return finish(rc);
 }
 

@@ -18,6 +18,8 @@ public:
     void start(Loop* loop, const Scenario& sc);
     // The trace up to end_ms; the recorder stops.
     TimelineTrace finish(int64_t end_ms);
+    // Its sampling timer, which is the node's and not the daemon's.
+    LoopTimer* tick_timer() { return &tick_.timer; }
 
 private:
     // A link going down or up, from the scenario's timeline.

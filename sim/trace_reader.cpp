@@ -42,6 +42,10 @@ bool read_header(const TraceRecord& r, TraceHeader* h, std::string* error) {
     h->host_order = r.str("host_order");
     h->word_bits = static_cast<int>(r.num("word_bits"));
     h->start = r.str("start");
+    h->part = static_cast<int>(r.num("part", 1));
+    h->began = r.num("began");
+    if (h->part < 1)
+        return fail(error, r.line, "part " + std::to_string(h->part) + " (parts count from 1)");
     h->config = r.text("config");
     json_object* args = r.get("args");
     if (args == nullptr || !json_object_is_type(args, json_type_array))
@@ -152,6 +156,7 @@ bool trace_parse(const char* text_in, size_t len, Trace* out, std::string* error
         }
         if (r.kind == "header")
             return fail(error, line, "a second header");
+        r.part = out->header.part;
         r.src = src;
         r.off = static_cast<size_t>(start - text);
         r.len = n;

@@ -15,6 +15,7 @@ namespace lynd {
 // trace is held as text, not as a day of parsed objects.
 struct TraceRecord {
     int line = 0;
+    int part = 1;  // of its recording: the file it was read from
     int64_t t = 0;
     std::string kind;
     std::shared_ptr<const std::string> src;
@@ -42,6 +43,8 @@ struct TraceHeader {
     std::string host_order;  // the recording CPU's, for the reader: bytes are little-endian
     int word_bits = 0;
     std::string start;
+    int part = 1;       // 1 for a recording's first file, +1 at each rotation
+    int64_t began = 0;  // the first part's time, the same in every part
     std::string config;
     std::vector<std::string> args;
 };

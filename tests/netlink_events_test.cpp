@@ -155,11 +155,16 @@ TEST_F(NetlinkEventsTest, TearDownClosesTheBridgeSocketAndKeepsTheWirelessOne) {
     event_free(&conf.ev);
     EXPECT_EQ(-1, host.nl_fd(HYFI_EVENT_PROTOCOL));
     EXPECT_EQ(wifi_fd, host.nl_fd(0));
+    // A run that restarts closes it: the next one binds the same port id.
+    event_wifi_free(&conf.ev);
+    EXPECT_EQ(-1, host.nl_fd(0));
     event_init(&conf.ev);  // for the fixture's own tear-down
+    EXPECT_GE(host.nl_fd(0), 0);
 }
 
 TEST_F(NetlinkEventsTest, SocketFailuresAreFatal) {
     event_free(&conf.ev);
+    event_wifi_free(&conf.ev);
     host.set_nl_bind_error(HYFI_EVENT_PROTOCOL, EADDRINUSE);
     EXPECT_EXIT(
         {

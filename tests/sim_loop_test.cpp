@@ -103,4 +103,20 @@ TEST_F(SimLoopTest, EndStopsTheRunAtOnce) {
     EXPECT_EQ(50, loop.now_ms());
 }
 
+// A daemon that restarts within the process drops its own timers; the
+// node's timeline and clients go on at their times.
+TEST_F(SimLoopTest, TheNodesTimersOutliveTheEndOfADaemonsRun) {
+    Named daemon = make("daemon"), node = make("node");
+    lynd::LoopTimer stop{ender};
+    loop.keep(&node.t);
+    loop.timer_set(&stop, 50);
+    loop.timer_set(&daemon.t, 60);
+    loop.timer_set(&node.t, 70);
+    loop.run();
+    loop.done();
+    EXPECT_FALSE(daemon.t.pending);
+    loop.run();
+    EXPECT_EQ((std::vector<std::string>{"node@70"}), g_fired);
+}
+
 }  // namespace

@@ -9,16 +9,10 @@
 #include <sstream>
 #include <string>
 
+#include "file_text.h"
 #include "trace/trace_line.h"
 
 namespace {
-
-std::string slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
 
 class TraceFileTest : public ::testing::Test {
 protected:

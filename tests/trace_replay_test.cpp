@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 
+#include "file_text.h"
 #include "sim/replay_run.h"
 #include "sim/scenario.h"
 #include "sim/sim_node.h"
@@ -15,13 +16,6 @@
 #include "trace/trace_recorder.h"
 
 namespace {
-
-std::string slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
 
 class TraceReplayTest : public ::testing::Test {
 protected:
@@ -136,24 +130,41 @@ TEST_F(TraceReplayTest, AnAnonymizedTraceHidesEveryClientAndStillReplays) {
     EXPECT_TRUE(r.identical) << r.report;
 }
 
-TEST_F(TraceReplayTest, TheConfiguredTraceRotatesAtItsSize) {
+TEST_F(TraceReplayTest, TheConfiguredTraceRotatesAtItsSizeAndItsPartsReplayChained) {
     lynd::Scenario sc = scenario("ps_weak_5g");
     std::string path = dir + "/trace";
     sc.config_text.insert(sc.config_text.find('{') + 1,
-                          "\"record\": \"" + path + "\", \"record_size\": 65536,");
+                          "\"record\": \"" + path + "\", \"record_size\": 262144,");
     {
         lynd::SimNode node(sc);
         (void)node.run("lynd", {});
     }
     std::string now = slurp(path), before = slurp(path + ".1");
-    EXPECT_GT(before.size(), 60000u);
-    EXPECT_LE(before.size(), 65536u);
-    EXPECT_LE(now.size(), 65536u);
+    EXPECT_GT(before.size(), 250000u);
+    EXPECT_LE(before.size(), 262144u);
+    EXPECT_LE(now.size(), 262144u);
     EXPECT_EQ(0u, now.find("{\"t\":")) << now.substr(0, 80);
-    EXPECT_NE(std::string::npos, now.substr(0, now.find('\n')).find("\"start\":\"rotated\""));
+    EXPECT_NE(std::string::npos, now.substr(0, now.find('\n')).find("\"start\":\"rotated\",\"part\":2"));
     lynd::ReplayResult r = replay(now);
     EXPECT_EQ(2, r.exit_status);
-    EXPECT_NE(std::string::npos, r.report.find("starts mid-run")) << r.report;
+    EXPECT_NE(std::string::npos, r.report.find("the daemon's state at this file's start is not in the trace"))
+        << r.report;
+    lynd::Trace chained;
+    std::string error;
+    ASSERT_TRUE(lynd::trace_load_parts({path + ".1", path}, &chained, &error)) << error;
+    lynd::ReplayResult whole = lynd::replay_trace(chained, {});
+    EXPECT_TRUE(whole.identical) << whole.report;
+
+    // A difference in the second part is named by its part and line there.
+    size_t at = now.rfind("\"fn\":\"bridgeStopAPS\"");
+    ASSERT_NE(std::string::npos, at);
+    std::string bad = now;
+    bad.replace(at, 20, "\"fn\":\"bridgeStopAPX\"");
+    std::ofstream(path) << bad;
+    ASSERT_TRUE(lynd::trace_load_parts({path + ".1", path}, &chained, &error)) << error;
+    size_t line = static_cast<size_t>(std::count(bad.begin(), bad.begin() + static_cast<long>(at), '\n')) + 1;
+    lynd::ReplayResult diff = lynd::replay_trace(chained, {});
+    EXPECT_NE(std::string::npos, diff.report.find("(part 2, line " + std::to_string(line) + ")")) << diff.report;
 }
 
 }  // namespace

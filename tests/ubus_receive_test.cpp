@@ -5,6 +5,7 @@
 #include "event/event_dispatch.h"
 #include "event/event_hub.h"
 #include "event/ubus_receive.h"
+#include "event/wifi_events.h"
 #include "sim_fixture.h"
 
 namespace {
@@ -103,6 +104,7 @@ TEST_F(UbusReceiveTest, UnknownAndForeignEventsAreLoggedAndDropped) {
 
 TEST_F(UbusReceiveTest, ConnectionFailuresAreFatal) {
     event_free(&conf.ev);
+    event_wifi_free(&conf.ev);
     EXPECT_EQ(1, bus.free_count());
     bus.set_connect_result(10);
     EXPECT_EXIT(

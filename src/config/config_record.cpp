@@ -7,8 +7,6 @@
 
 namespace {
 
-// Below this a header and a few records would not fit in one half.
-constexpr int32_t kMinRecordSize = 16 * 1024;
 constexpr int32_t kDefaultRecordSize = 1024 * 1024;
 
 }  // namespace
@@ -27,5 +25,5 @@ void config_load_record(lynd_config* conf, json_object* root) {
     }
     std::memcpy(conf->record, path, n + 1);
     int32_t size = json_int_or(root, "record_size", kDefaultRecordSize);
-    conf->record_size = static_cast<uint32_t>(size < kMinRecordSize ? kMinRecordSize : size);
+    conf->record_size = static_cast<uint32_t>(size < LYND_RECORD_SIZE_MIN ? LYND_RECORD_SIZE_MIN : size);
 }

@@ -5,4 +5,7 @@
 
 #include "config/lynd_config.h"
 
+// Below this a header and a few records would not fit in one half.
+constexpr int32_t LYND_RECORD_SIZE_MIN = 16 * 1024;
+
 void config_load_record(lynd_config* conf, json_object* root);

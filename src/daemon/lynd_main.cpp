@@ -6,12 +6,14 @@
 #include "core/decision_ring.h"
 #include "core/log.h"
 #include "core/shadow.h"
+#include "daemon/lynd_run.h"
 #include "daemon/options.h"
 #include "daemon/process_state.h"
 #include "daemon/status_object.h"
 #include "daemon/status_replies.h"
 #include "event/event_dispatch.h"
 #include "event/event_hub.h"
+#include "event/wifi_events.h"
 #include "platform/seams.h"
 #include "trace/trace_recorder.h"
 #include "wlan/traffic_separation.h"
@@ -112,6 +114,8 @@ int lynd_main_with(int argc, char** argv, const lynd_module_table& modules) {
 
     config_bridge_revert(conf);
     stop_modules(conf);
+    if (lynd_restart_requested())
+        event_wifi_free(&conf->ev);
     event_free(&conf->ev);
     l_ev = nullptr;
     config_free(conf);

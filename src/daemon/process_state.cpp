@@ -7,6 +7,7 @@
 #include "core/decision_ring.h"
 #include "core/log.h"
 #include "core/shadow.h"
+#include "daemon/lynd_run.h"
 #include "event/event_dispatch.h"
 #include "modules/loop_avoidance/bcast_port.h"
 #include "modules/path_selection/hc_records.h"
@@ -29,4 +30,5 @@ void lynd_process_state_reset() {
     lynd_shadow_reset();
     lynd_counters_reset();
     lynd_log_to_syslog(false);
+    lynd_restart_reset();
 }

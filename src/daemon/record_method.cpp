@@ -3,7 +3,10 @@
 #include <cerrno>
 #include <cstring>
 
+#include "config/config_record.h"
 #include "core/log.h"
+#include "daemon/lynd_run.h"
+#include "trace/trace_file.h"
 #include "trace/trace_recorder.h"
 
 using lynd::BusType;
@@ -15,6 +18,19 @@ namespace {
 
 enum { A_ENABLE, A_FILE, A_SIZE, A_COUNT };
 
+// The trace ends here; the run goes on.
+int stop(lynd::BusReply& r) {
+    const char* was = lynd::trace_recording() ? lynd::trace_path() : "";
+    char ended[lynd::TRACE_PATH_MAX];
+    std::strncpy(ended, was, sizeof ended - 1);
+    ended[sizeof ended - 1] = '\0';
+    (void)lynd::trace_control(nullptr, 0, false);
+    r.put_bool("record", false);
+    r.put_string("file", ended);
+    r.put_bool("restart", false);
+    return lynd::BUS_STATUS_OK;
+}
+
 }  // namespace
 
 int record_method(lynd_config* conf, const lynd::BusMessage& args, lynd::BusReply& r) {
@@ -23,17 +39,25 @@ int record_method(lynd_config* conf, const lynd::BusMessage& args, lynd::BusRepl
     (void)lynd::bus_parse(record_args, A_COUNT, tb, found, args);
     if (tb[A_ENABLE] == nullptr)
         return lynd::BUS_STATUS_INVALID_ARGUMENT;
+    if (tb[A_ENABLE]->i == 0)
+        return stop(r);
     const char* file = tb[A_FILE] != nullptr ? tb[A_FILE]->str : conf->record;
-    size_t size = tb[A_SIZE] != nullptr && tb[A_SIZE]->i > 0 ? static_cast<size_t>(tb[A_SIZE]->i) : conf->record_size;
-    bool enable = tb[A_ENABLE]->i != 0;
-    if (enable && (file == nullptr || file[0] != '/'))
+    size_t size = conf->record_size;
+    if (tb[A_SIZE] != nullptr && tb[A_SIZE]->i > 0)
+        size = static_cast<size_t>(tb[A_SIZE]->i < LYND_RECORD_SIZE_MIN ? LYND_RECORD_SIZE_MIN : tb[A_SIZE]->i);
+    if (file == nullptr || file[0] != '/')
         return lynd::BUS_STATUS_INVALID_ARGUMENT;
-    int rc = lynd::trace_control(file, size, enable);
+    int rc = lynd::trace_call_request(file, size);
     if (rc != 0) {
         LYND_ERR("record %s: %s", file, std::strerror(-rc));
         return lynd::BUS_STATUS_UNKNOWN_ERROR;
     }
-    r.put_bool("record", lynd::trace_recording());
-    r.put_string("file", lynd::trace_path());
+    // A trace from a start replays: the run restarts once this reply is out.
+    LYND_WARN("record %s: the daemon's run restarts to begin the trace", file);
+    lynd_restart_request();
+    r.put_bool("record", true);
+    r.put_string("file", file);
+    r.put_int("size", static_cast<int64_t>(size));
+    r.put_bool("restart", true);
     return lynd::BUS_STATUS_OK;
 }

@@ -1,6 +1,8 @@
 // `ubus call lynd record '{"enable":true,"file":"/tmp/lynd.trace","size":N}'`:
-// starts a trace from now on (or ends it). Without "file" the configured one
-// is used; "size" is the bytes of each of the two rotating files.
+// answers, then restarts the daemon's run so the trace begins at its start
+// ({"enable":false} ends the trace, no restart). Without "file" the
+// configured one is used; "size" is the bytes of each of the two rotating
+// files.
 #pragma once
 #include "config/lynd_config.h"
 #include "platform/bus.h"

@@ -44,6 +44,15 @@ void event_wifi_init(event_hub* ev) {
     LYND_LOG("init done");
 }
 
+void event_wifi_free(event_hub* ev) {
+    lynd::LoopFd* f = &ev->wifi_fd;
+    if (f->registered)
+        (void)lynd::loop().fd_delete(f);
+    if (f->fd >= 0)
+        (void)lynd::host().close_fd(f->fd);
+    *f = lynd::LoopFd{};
+}
+
 void event_wifi_nl_cb(lynd::LoopFd* f, unsigned) {
     lynd_config* conf = event_hub_config(hub_of_wifi_fd(f));
     uint8_t buf[NL_RECV_BUF_SIZE];

@@ -35,6 +35,11 @@ const char* rec_host_config_text(size_t* len) {
     return g_config;
 }
 
+void RecHost::watch_config(const char* path) {
+    config_path_ = path;
+    g_config_len = 0;
+}
+
 int RecHost::run_capture(const char* const argv[], char* out, size_t size) {
     int rc = in_->run_capture(argv, out, size);
     TraceLine& l = trace_begin("run");

@@ -10,7 +10,8 @@ public:
     void set_inner(Host* inner) { in_ = inner; }
     Host* inner() const { return in_; }
     // The first read of this path is kept for the trace's header.
-    void watch_config(const char* path) { config_path_ = path; }
+    // A run that cannot read the file records no text, not an older run's.
+    void watch_config(const char* path);
 
     int run_capture(const char* const argv[], char* out, size_t size) override;
     int run_status(const char* const argv[]) override;

@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include <unistd.h>
+
 #include "bridge/steering_gate.h"
 #include "platform/seams.h"
 #include "trace/rec_bus.h"
@@ -37,6 +39,8 @@ struct Recorder {
     bool exit_hook = false;
     char request[TRACE_PATH_MAX] = {};
     size_t request_size = 0;
+    char call[TRACE_PATH_MAX] = {};  // the bus method's, newer than request
+    size_t call_size = 0;
     char pending[64 * 1024];
     size_t pending_len = 0;
     bool pending_lost = false;
@@ -44,6 +48,8 @@ struct Recorder {
     char** argv = nullptr;
     const char* version = "";
     const char* start = "boot";
+    int part = 1;       // of the recording: +1 at each rotation
+    int64_t began = 0;  // the first part's time: tells recordings apart
 };
 
 Recorder g_rec;
@@ -110,6 +116,8 @@ void write_header() {
     l.str("host_order", trace_host_byte_order());
     l.num("word_bits", static_cast<int64_t>(sizeof(void*) * 8));
     l.str("start", g_rec.start);
+    l.num("part", g_rec.part);
+    l.num("began", g_rec.began);
     l.argv("args", g_rec.argv);
     size_t len = 0;
     const char* config = rec_host_config_text(&len);
@@ -125,13 +133,16 @@ void to_file(const char* data, size_t len) {
     g_rec.file.clear_rotated();
     const char* start = g_rec.start;
     g_rec.start = "rotated";
+    g_rec.part++;
     write_header();
     g_rec.start = start;
     g_rec.file.append(data, len);
 }
 
+bool asked_from_outside() { return g_rec.request[0] != '\0' || g_rec.call[0] != '\0'; }
+
 void at_exit() {
-    if (g_rec.mode == Mode::PENDING && g_rec.request[0] != '\0')
+    if (g_rec.mode == Mode::PENDING && asked_from_outside())
         trace_settle(nullptr, 0);
     trace_finish();
 }
@@ -144,6 +155,8 @@ int open_file(const char* path, size_t size) {
         g_rec.exit_hook = true;
         std::atexit(at_exit);
     }
+    g_rec.part = 1;
+    g_rec.began = now_ms();
     write_header();
     return 0;
 }
@@ -176,13 +189,21 @@ void trace_emit() {
     }
 }
 
-void trace_request(const char* path, size_t size) {
+namespace {
+
+void keep_path(char (&to)[TRACE_PATH_MAX], const char* path) {
     size_t n = path != nullptr ? std::strlen(path) : 0;
-    if (n >= sizeof g_rec.request)
+    if (n >= sizeof to)
         n = 0;
     if (n > 0)
-        std::memcpy(g_rec.request, path, n);
-    g_rec.request[n] = '\0';
+        std::memcpy(to, path, n);
+    to[n] = '\0';
+}
+
+}  // namespace
+
+void trace_request(const char* path, size_t size) {
+    keep_path(g_rec.request, path);
     g_rec.request_size = size;
 }
 
@@ -202,7 +223,7 @@ void trace_startup(int argc, char** argv, const char* version) {
     g_rec.pending_lost = false;
     g_rec.mode = Mode::PENDING;
     install();
-    if (!g_rec.exit_hook && g_rec.request[0] != '\0') {
+    if (!g_rec.exit_hook && asked_from_outside()) {
         // A fatal start-up error exits at once: the trace still tells why.
         g_rec.exit_hook = true;
         std::atexit(at_exit);
@@ -212,8 +233,16 @@ void trace_startup(int argc, char** argv, const char* version) {
 void trace_settle(const char* path, size_t size) {
     if (g_rec.mode != Mode::PENDING)
         return;
-    const char* to = g_rec.request[0] != '\0' ? g_rec.request : path;
-    size_t limit = g_rec.request[0] != '\0' ? g_rec.request_size : size;
+    const char* to = path;
+    size_t limit = size;
+    if (g_rec.call[0] != '\0') {
+        to = g_rec.call;
+        limit = g_rec.call_size;
+        g_rec.start = "call";
+    } else if (g_rec.request[0] != '\0') {
+        to = g_rec.request;
+        limit = g_rec.request_size;
+    }
     g_rec.mode = Mode::OFF;
     if (to == nullptr || to[0] == '\0' || g_rec.pending_lost || open_file(to, limit) != 0) {
         uninstall();
@@ -225,19 +254,38 @@ void trace_settle(const char* path, size_t size) {
 }
 
 int trace_control(const char* path, size_t size, bool enable) {
-    if (g_rec.forbid)
-        return -EPERM;
     if (!enable) {
+        g_rec.call[0] = '\0';
         trace_finish();
         return 0;
     }
+    if (g_rec.forbid)
+        return -EPERM;
     trace_finish();
-    g_rec.start = "call";
+    g_rec.start = "mid_run";
     int rc = open_file(path, size);
     if (rc != 0)
         return rc;
     g_rec.mode = Mode::FILE;
     install();
+    return 0;
+}
+
+int trace_call_request(const char* path, size_t size) {
+    if (g_rec.forbid)
+        return 0;
+    if (path == nullptr || std::strlen(path) + 2 >= TRACE_PATH_MAX)
+        return -ENAMETOOLONG;
+    // Tried now, so the caller hears of a bad place before the run restarts;
+    // the trace now written to that name is ended by the restart anyway.
+    if (!trace_recording() || std::strcmp(path, g_rec.file.path()) != 0) {
+        int fd = trace_create(path);
+        if (fd < 0)
+            return fd;
+        ::close(fd);
+    }
+    keep_path(g_rec.call, path);
+    g_rec.call_size = size;
     return 0;
 }
 

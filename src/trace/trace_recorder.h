@@ -18,9 +18,14 @@ void trace_watch_config(const char* config_path);
 // After the configuration: records go on to path (the asked-for file wins),
 // or, with neither, the decorators are removed.
 void trace_settle(const char* path, size_t size);
-// The bus method: a fresh trace to path from now on, or the end of the
-// trace. 0, or -errno.
+// A fresh trace to path from now on (a trace that starts mid-run), or the
+// end of the trace and of any trace asked for by the bus method. 0, or -errno.
 int trace_control(const char* path, size_t size, bool enable);
+// The bus method's trace: it begins at the daemon's next start in this
+// process (the caller restarts the run), so it replays like a boot trace,
+// and holds for later starts until ended. 0, or -errno when path cannot be
+// created; nothing is asked while recording is forbidden.
+int trace_call_request(const char* path, size_t size);
 // The end of a run: the last records written, the seams given back.
 void trace_finish();
 bool trace_recording();

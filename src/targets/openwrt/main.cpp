@@ -1,5 +1,5 @@
 // lynd on the router: the real platform behind every seam.
-#include "daemon/lynd_main.h"
+#include "daemon/lynd_run.h"
 #include "targets/linux/linux_host.h"
 #include "targets/openwrt/krel_vendor.h"
 #include "targets/openwrt/ubus_bus.h"
@@ -27,5 +27,5 @@ int main(int argc, char** argv) {
     lynd::install_seams({&loop, &host, &uci, &krel, &bus});
     if (kKrelStub)
         LYND_ERR("built with a stand-in for the bridge library: no bridge is programmed");
-    return lynd_main(argc, argv);
+    return lynd_run(argc, argv);
 }
