@@ -9,7 +9,7 @@
 #include "bridge/steering_gate.h"
 #include "core/decision_ring.h"
 #include "core/shadow.h"
-#include "daemon/lynd_run.h"
+#include "daemon/restart_request.h"
 #include "daemon/status_object.h"
 #include "daemon/status_replies.h"
 #include "event/ubus_receive.h"

@@ -6,8 +6,3 @@
 
 // lynd_main, again while the run that ended asked for a restart.
 int lynd_run(int argc, char** argv);
-// Ends the running loop; lynd_run starts the daemon again.
-void lynd_restart_request();
-bool lynd_restart_requested();
-// A run starts with none asked for (a replay runs lynd_main alone).
-void lynd_restart_reset();

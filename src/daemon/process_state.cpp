@@ -7,7 +7,7 @@
 #include "core/decision_ring.h"
 #include "core/log.h"
 #include "core/shadow.h"
-#include "daemon/lynd_run.h"
+#include "daemon/restart_request.h"
 #include "event/event_dispatch.h"
 #include "modules/loop_avoidance/bcast_port.h"
 #include "modules/path_selection/hc_records.h"

@@ -5,7 +5,7 @@
 
 #include "config/config_record.h"
 #include "core/log.h"
-#include "daemon/lynd_run.h"
+#include "daemon/restart_request.h"
 #include "trace/trace_file.h"
 #include "trace/trace_recorder.h"
 
