@@ -136,8 +136,18 @@ void UloopLoop::on_fd(uloop_fd* u, unsigned int events) {
     owner->cb(owner, mapped);
 }
 
-// uloop itself ends the run on SIGINT and SIGTERM.
-void UloopLoop::run() { uloop_run(); }
+// uloop itself ends the run on SIGINT and SIGTERM, but uloop_run forgets one
+// that came before it. Between two runs of one process (a restart's tear-down
+// and start) only a signal sets the flag, so such a signal ends the next run
+// as soon as it begins.
+void UloopLoop::run() {
+    if (uloop_cancelled) {
+        uloop_cancelled = false;
+        return;
+    }
+    uloop_run();
+    uloop_cancelled = false;
+}
 
 void UloopLoop::end() { uloop_end(); }
 
