@@ -29,8 +29,6 @@ client_log_entry* take(const uint8_t* mac) {
     std::memcpy(oldest->mac, mac, LYND_MAC_LEN);
     oldest->used = true;
     oldest->hold_on = PATH_NONE;
-    oldest->held_from = PATH_NONE;
-    oldest->held_to = PATH_NONE;
     return oldest;
 }
 
@@ -56,8 +54,8 @@ void client_log_move(const hc_client& c, uint8_t from, uint8_t to, uint8_t reaso
     e->next_recent = static_cast<uint8_t>((e->next_recent + 1) % FLAP_BUDGET_MAX);
     if (e->n_recent < FLAP_BUDGET_MAX)
         e->n_recent++;
-    e->held_from = PATH_NONE;
-    e->held_to = PATH_NONE;
+    e->held_rule = 0;
+    e->held_until_ms = 0;
     char mac[LYND_MAC_TEXT_LEN];
     lynd_mac_text(c.hc.mac, mac);
     decision_record(DECISION_CLIENT_MOVE, mac, slot_name(from), slot_name(to), reason);

@@ -25,8 +25,10 @@ struct client_log_entry {
     uint8_t next_recent;
     int64_t hold_until_ms;  // a flap was seen: the client stays on hold_on
     uint8_t hold_on;
-    uint8_t held_from;  // the held move last listed, so each is listed once
-    uint8_t held_to;
+    // The hold last listed: one listing while it lasts, wherever the client
+    // is pushed meanwhile (its entry can swing with the preferred port).
+    uint8_t held_rule;  // 0 for none
+    int64_t held_until_ms;
 };
 
 struct client_log {
