@@ -9,10 +9,15 @@ client_log g_client_log;
 namespace {
 
 client_log_entry* find(const uint8_t* mac) {
+    return static_cast<client_log_entry*>(mac_index_get(&g_client_log.by_mac, mac, nullptr));
+}
+
+// The index has no removal: a reused entry means filing them all again.
+void reindex() {
+    mac_index_clear(&g_client_log.by_mac);
     for (client_log_entry& e : g_client_log.entries)
-        if (e.used && std::memcmp(e.mac, mac, LYND_MAC_LEN) == 0)
-            return &e;
-    return nullptr;
+        if (e.used)
+            (void)mac_index_put(&g_client_log.by_mac, e.mac, &e, 0);
 }
 
 client_log_entry* take(const uint8_t* mac) {
@@ -25,10 +30,15 @@ client_log_entry* take(const uint8_t* mac) {
         if (e.touched < oldest->touched)
             oldest = &e;
     }
+    bool reused = oldest->used;
     *oldest = client_log_entry{};
     std::memcpy(oldest->mac, mac, LYND_MAC_LEN);
     oldest->used = true;
     oldest->hold_on = PATH_NONE;
+    if (reused)
+        reindex();
+    else
+        (void)mac_index_put(&g_client_log.by_mac, oldest->mac, oldest, 0);
     return oldest;
 }
 

@@ -8,6 +8,7 @@
 #include "core/counters.h"
 #include "core/mac.h"
 #include "modules/path_selection/hc_records.h"
+#include "modules/path_selection/mac_index.h"
 
 struct client_log_entry {
     uint8_t mac[LYND_MAC_LEN];
@@ -34,6 +35,7 @@ struct client_log_entry {
 struct client_log {
     client_log_entry entries[HC_MAX_CLIENTS];
     uint32_t clock;
+    mac_index by_mac;  // every used entry: the guard asks for one on each move
 };
 extern client_log g_client_log;
 void client_log_reset();
