@@ -68,9 +68,18 @@ TEST_F(FlapGuardTest, MinimumDwellHoldsTheMoveAndListsItOnce) {
     EXPECT_STREQ("ath12", d->to);
     EXPECT_EQ(1u, g_counters.moves_held);
     EXPECT_EQ(0u, bridge.count_calls("bridgeSetHCTableEntries"));
-    loop.advance(3 * kMin);
-    steer_to(IF_TYPE_5G);
-    EXPECT_TRUE(on(c, IF_TYPE_5G));
+    // The bridge swings the entry itself, and the mover wants it back: the
+    // same hold, not listed again.
+    lynd_list_del(&c->path_node);
+    lynd_list_add_tail(&c->path_node, &hc_paths[IF_TYPE_5G].clients);
+    c->hc.dst_port = 12;
+    loop.advance(kMin);
+    expect_held(IF_TYPE_2G, IF_TYPE_5G, GUARD_DWELL, 2 * kMin);
+    EXPECT_EQ(1, held_decisions());
+    EXPECT_EQ(1u, g_counters.moves_held);
+    loop.advance(2 * kMin);
+    steer_to(IF_TYPE_2G);
+    EXPECT_TRUE(on(c, IF_TYPE_2G));
     EXPECT_EQ(2u, g_counters.moves);
 }
 

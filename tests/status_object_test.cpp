@@ -349,6 +349,10 @@ TEST_F(StatusObjectTest, TheMoveTableDropsTheLongestUntouchedClientWhenFull) {
     EXPECT_EQ(nullptr, client_log_find(second));
     ASSERT_NE(nullptr, client_log_find(last));
     EXPECT_EQ(1u, client_log_find(last)->moves);
+    for (int i = 2; i < HC_MAX_CLIENTS; i++) {
+        uint8_t kept[6] = {0, 0, 0, 0, static_cast<uint8_t>(i >> 8), static_cast<uint8_t>(i)};
+        ASSERT_NE(nullptr, client_log_find(kept)) << i;
+    }
 }
 
 TEST_F(StatusObjectTest, TheObjectIsAddedAgainWhenTheBusComesBack) {

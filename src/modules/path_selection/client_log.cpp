@@ -9,10 +9,15 @@ client_log g_client_log;
 namespace {
 
 client_log_entry* find(const uint8_t* mac) {
+    return static_cast<client_log_entry*>(mac_index_get(&g_client_log.by_mac, mac, nullptr));
+}
+
+// The index has no removal: a reused entry means filing them all again.
+void reindex() {
+    mac_index_clear(&g_client_log.by_mac);
     for (client_log_entry& e : g_client_log.entries)
-        if (e.used && std::memcmp(e.mac, mac, LYND_MAC_LEN) == 0)
-            return &e;
-    return nullptr;
+        if (e.used)
+            (void)mac_index_put(&g_client_log.by_mac, e.mac, &e, 0);
 }
 
 client_log_entry* take(const uint8_t* mac) {
@@ -25,12 +30,15 @@ client_log_entry* take(const uint8_t* mac) {
         if (e.touched < oldest->touched)
             oldest = &e;
     }
+    bool reused = oldest->used;
     *oldest = client_log_entry{};
     std::memcpy(oldest->mac, mac, LYND_MAC_LEN);
     oldest->used = true;
     oldest->hold_on = PATH_NONE;
-    oldest->held_from = PATH_NONE;
-    oldest->held_to = PATH_NONE;
+    if (reused)
+        reindex();
+    else
+        (void)mac_index_put(&g_client_log.by_mac, oldest->mac, oldest, 0);
     return oldest;
 }
 
@@ -56,8 +64,8 @@ void client_log_move(const hc_client& c, uint8_t from, uint8_t to, uint8_t reaso
     e->next_recent = static_cast<uint8_t>((e->next_recent + 1) % FLAP_BUDGET_MAX);
     if (e->n_recent < FLAP_BUDGET_MAX)
         e->n_recent++;
-    e->held_from = PATH_NONE;
-    e->held_to = PATH_NONE;
+    e->held_rule = 0;
+    e->held_until_ms = 0;
     char mac[LYND_MAC_TEXT_LEN];
     lynd_mac_text(c.hc.mac, mac);
     decision_record(DECISION_CLIENT_MOVE, mac, slot_name(from), slot_name(to), reason);

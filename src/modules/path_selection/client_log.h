@@ -8,6 +8,7 @@
 #include "core/counters.h"
 #include "core/mac.h"
 #include "modules/path_selection/hc_records.h"
+#include "modules/path_selection/mac_index.h"
 
 struct client_log_entry {
     uint8_t mac[LYND_MAC_LEN];
@@ -25,13 +26,16 @@ struct client_log_entry {
     uint8_t next_recent;
     int64_t hold_until_ms;  // a flap was seen: the client stays on hold_on
     uint8_t hold_on;
-    uint8_t held_from;  // the held move last listed, so each is listed once
-    uint8_t held_to;
+    // The hold last listed: one listing while it lasts, wherever the client
+    // is pushed meanwhile (its entry can swing with the preferred port).
+    uint8_t held_rule;  // 0 for none
+    int64_t held_until_ms;
 };
 
 struct client_log {
     client_log_entry entries[HC_MAX_CLIENTS];
     uint32_t clock;
+    mac_index by_mac;  // every used entry: the guard asks for one on each move
 };
 extern client_log g_client_log;
 void client_log_reset();

@@ -77,16 +77,16 @@ guard_verdict flap_guard_check(const conf_flap_guard& g, const hc_client& c, uin
     return v;
 }
 
-void flap_guard_held(const hc_client& c, uint8_t from, uint8_t to, const guard_verdict& v) {
+void flap_guard_held(const hc_client& c, uint8_t from, uint8_t to, const guard_verdict& v, int64_t now_ms) {
     const uint8_t* m = c.hc.mac;
     LYND_INFO("hold hc(%02x:%02x:%02x:%02x:%02x:%02x) on %s: flap guard, %s, %lld s left", m[0], m[1], m[2], m[3],
               m[4], m[5], slot_name(from), guard_rule_texts[v.rule < 4 ? v.rule : 0],
               static_cast<long long>((v.left_ms + 999) / 1000));
     client_log_entry* e = client_log_find_mut(c.hc.mac);
-    if (e == nullptr || (e->held_from == from && e->held_to == to))
+    if (e == nullptr || (e->held_rule == v.rule && now_ms < e->held_until_ms))
         return;
-    e->held_from = from;
-    e->held_to = to;
+    e->held_rule = v.rule;
+    e->held_until_ms = now_ms + v.left_ms;
     g_counters.moves_held++;
     char mac[LYND_MAC_TEXT_LEN];
     lynd_mac_text(m, mac);
@@ -98,9 +98,10 @@ bool flap_guard_holds(const hc_client& c, uint8_t from, uint8_t to, guard_verdic
     const conf_flap_guard& g = g_ps_conf->param.flap_guard;
     if (!flap_guard_on(g))
         return false;
-    *v = flap_guard_check(g, c, from, to, lynd_monotonic_ms());
+    int64_t now_ms = lynd_monotonic_ms();
+    *v = flap_guard_check(g, c, from, to, now_ms);
     if (v->rule == GUARD_NONE)
         return false;
-    flap_guard_held(c, from, to, *v);
+    flap_guard_held(c, from, to, *v, now_ms);
     return true;
 }

@@ -24,7 +24,8 @@ struct guard_verdict {
 // is the better one.
 guard_verdict flap_guard_check(const conf_flap_guard& g, const hc_client& c, uint8_t from, uint8_t to,
                                int64_t now_ms);
-// Counts and lists a held move, once for as long as it stays the same.
-void flap_guard_held(const hc_client& c, uint8_t from, uint8_t to, const guard_verdict& v);
+// Counts and lists a held move, once for as long as the hold lasts under
+// the same rule, whichever way the client is pushed meanwhile.
+void flap_guard_held(const hc_client& c, uint8_t from, uint8_t to, const guard_verdict& v, int64_t now_ms);
 // Checks and, when held, lists; true when the move must wait.
 bool flap_guard_holds(const hc_client& c, uint8_t from, uint8_t to, guard_verdict* v);
