@@ -308,12 +308,12 @@ bool roundtrip_one(const char* path, const char* keep) {
         std::printf("FAIL %s: %s\n", path, error.c_str());
         return false;
     }
-    char dir[] = "/tmp/lynd-roundtrip-XXXXXX";
-    if (keep == nullptr && mkdtemp(dir) == nullptr) {
+    std::string dir = keep != nullptr ? keep : lynd::trace_dir_make();
+    if (dir.empty()) {
         std::printf("FAIL %s: no temporary directory: %s\n", path, std::strerror(errno));
         return false;
     }
-    std::string trace = keep != nullptr ? std::string(keep) + "/" + sc.name + ".trace" : std::string(dir) + "/trace";
+    std::string trace = dir + "/" + (keep != nullptr ? sc.name + ".trace" : "trace");
     int recorded = in_child([&] {
         lynd::trace_request(trace.c_str(), kSimTraceSize);
         std::FILE* quiet = std::freopen("/dev/null", "w", stdout);
@@ -328,10 +328,8 @@ bool roundtrip_one(const char* path, const char* keep) {
         char* argv[] = {&trace[0]};
         return replay(1, argv) | replay_calls(calls_dir(trace));
     });
-    if (keep == nullptr) {
-        (void)unlink(trace.c_str());
-        (void)rmdir(dir);
-    }
+    if (keep == nullptr)
+        lynd::trace_dir_remove(dir);
     if (recorded < 0 || replayed != 0)
         std::printf("FAIL (%s)\n", recorded < 0 ? "the recording run died" : "the replay differs");
     return recorded >= 0 && replayed == 0;

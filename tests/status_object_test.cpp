@@ -18,6 +18,7 @@
 #include "modules/path_selection/client_moves.h"
 #include "modules/path_selection/path_insight.h"
 #include "ps_fixture.h"
+#include "temp_dir.h"
 
 namespace {
 
@@ -373,12 +374,13 @@ TEST_F(StatusObjectTest, TheObjectIsAddedAgainWhenTheBusComesBack) {
 // Started over the bus, a trace records the calls that follow and stops when told.
 // The trace itself begins at the restart (record_restart_test runs it).
 TEST_F(StatusObjectTest, RecordAsksForARestartOnlyWhenItsFileCanBeMade) {
-    char dir[] = "/tmp/lynd-record-call-XXXXXX";
-    ASSERT_NE(nullptr, mkdtemp(dir));
-    std::string path = std::string(dir) + "/trace";
+    TempDir tmp;
+    ASSERT_FALSE(tmp.path.empty());
+    const std::string& dir = tmp.path;
+    std::string path = dir + "/trace";
     (void)call("record", "{\"file\":\"relative\",\"enable\":true}", lynd::BUS_STATUS_INVALID_ARGUMENT);
     (void)call("record", "{\"file\":\"/tmp/x\"}", lynd::BUS_STATUS_INVALID_ARGUMENT);
-    (void)call("record", "{\"file\":\"" + std::string(dir) + "/no/trace\",\"enable\":true}",
+    (void)call("record", "{\"file\":\"" + dir + "/no/trace\",\"enable\":true}",
                lynd::BUS_STATUS_UNKNOWN_ERROR);
     EXPECT_FALSE(lynd_restart_requested());
     Reply on(call("record", "{\"file\":\"" + path + "\",\"enable\":true,\"size\":100}"));
@@ -392,6 +394,4 @@ TEST_F(StatusObjectTest, RecordAsksForARestartOnlyWhenItsFileCanBeMade) {
     Reply off(call("record", "{\"enable\":false}"));
     EXPECT_FALSE(off.flag("record"));
     EXPECT_FALSE(off.flag("restart"));
-    (void)unlink(path.c_str());
-    (void)rmdir(dir);
 }

@@ -10,24 +10,17 @@
 #include <string>
 
 #include "file_text.h"
+#include "temp_dir.h"
 #include "trace/trace_line.h"
 
 namespace {
 
 class TraceFileTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        char tmpl[] = "/tmp/lynd-trace-test-XXXXXX";
-        ASSERT_NE(nullptr, mkdtemp(tmpl));
-        dir = tmpl;
-        path = dir + "/t";
-    }
-    void TearDown() override {
-        for (const char* f : {"/t", "/t.1", "/target"})
-            (void)unlink((dir + f).c_str());
-        (void)rmdir(dir.c_str());
-    }
-    std::string dir, path;
+    void SetUp() override { ASSERT_FALSE(dir.empty()); }
+    TempDir tmp;
+    const std::string& dir = tmp.path;
+    std::string path = dir + "/t";
 };
 
 TEST_F(TraceFileTest, AFullFileRotatesToItsSecondNameAndStartsAgain) {

@@ -13,22 +13,14 @@
 #include "sim/scenario.h"
 #include "sim/sim_node.h"
 #include "sim/trace_anonymize.h"
+#include "temp_dir.h"
 #include "trace/trace_recorder.h"
 
 namespace {
 
 class TraceReplayTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        char tmpl[] = "/tmp/lynd-replay-test-XXXXXX";
-        ASSERT_NE(nullptr, mkdtemp(tmpl));
-        dir = tmpl;
-    }
-    void TearDown() override {
-        for (const char* f : {"/trace", "/trace.1", "/conf"})
-            (void)unlink((dir + f).c_str());
-        (void)rmdir(dir.c_str());
-    }
+    void SetUp() override { ASSERT_FALSE(tmp.path.empty()); }
 
     lynd::Scenario scenario(const char* name) {
         lynd::Scenario sc;
@@ -59,7 +51,8 @@ protected:
         return lynd::replay_trace(t, extra);
     }
 
-    std::string dir;
+    TempDir tmp;
+    const std::string& dir = tmp.path;
 };
 
 TEST_F(TraceReplayTest, ARecordedRunReplaysIdenticallyAndAChangedOutputIsCaught) {

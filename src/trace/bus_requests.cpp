@@ -110,11 +110,7 @@ void TraceReply::open_table(const char* name) {
         fwd_->open_table(name);
     item(name);
     put("{", 1);
-    if (depth_ < kDepth) {
-        in_array_[depth_] = false;
-        first_[depth_] = true;
-        depth_++;
-    }
+    push(false);
 }
 
 void TraceReply::open_array(const char* name) {
@@ -130,8 +126,13 @@ void TraceReply::open_array(const char* name) {
     }
     item(name);
     put("[", 1);
+    push(true);
+}
+
+// Deeper than kDepth the text goes on, without separators of its own.
+void TraceReply::push(bool array) {
     if (depth_ < kDepth) {
-        in_array_[depth_] = true;
+        in_array_[depth_] = array;
         first_[depth_] = true;
         depth_++;
     }

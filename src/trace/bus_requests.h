@@ -31,6 +31,7 @@ public:
 
 private:
     void item(const char* name);
+    void push(bool array);
     void put(const char* s, size_t n);
     void put_str(const char* s);
 
