@@ -16,7 +16,6 @@
 #include "sim/timeline_recorder.h"
 #include "sim/trace_chain.h"
 #include "sim/what_if.h"
-#include "trace/trace_kinds.h"
 #include "trace/trace_recorder.h"
 #include "wlan/qca/wlan_platform_qca.h"
 
