@@ -24,49 +24,68 @@
 
 local ubus = require "ubus"
 
+-- Seconds each bus call may take: a hung lynd must cost far less than a
+-- Prometheus scrape's 10 s, or the whole node's scrape fails with it.
+local call_timeout = 2
+
 local state_codes = {
   UNINITED = 0, UNLINK = 1, NORMAL = 2, WEAKLINK = 3, ["WEAKLINK+ABNORMAL"] = 4, ABNORMAL = 5,
 }
 
--- Keys in sorted order, so the output reads the same on every scrape.
+-- A label value as the text exposition format wants it: backslash, double
+-- quote and newline escaped.
+local escapes = { ["\\"] = "\\\\", ['"'] = '\\"', ["\n"] = "\\n" }
+local function label(v)
+  return (tostring(v):gsub('[\\"\n]', escapes))
+end
+
+-- String keys in sorted order, so the output reads the same on every scrape;
+-- other keys are not label values.
 local function sorted_keys(t)
   local keys = {}
-  for k in pairs(t) do keys[#keys + 1] = k end
+  for k in pairs(t) do
+    if type(k) == "string" then keys[#keys + 1] = k end
+  end
   table.sort(keys)
   return keys
 end
 
 local function number(v)
-  if type(v) == "number" then return v end
+  if type(v) == "number" and v == v then return v end
   return nil
 end
 
-local function by_key(name, mtype, label, t)
+local function by_key(name, mtype, key, t)
   if type(t) ~= "table" then return end
   local out = metric(name, mtype)
   for _, k in ipairs(sorted_keys(t)) do
     local v = number(t[k])
-    if v then out({ [label] = k }, v) end
+    if v then out({ [key] = label(k) }, v) end
   end
+end
+
+local function scrape_path(p, m)
+  if type(p) ~= "table" or type(p.name) ~= "string" then return end
+  local name = label(p.name)
+  local code = type(p.state) == "string" and state_codes[p.state]
+  if code then m.state({ path = name, type = label(type(p.type) == "string" and p.type or ""), state = p.state }, code) end
+  if number(p.rate) then m.rate({ path = name }, p.rate) end
+  if number(p.util) then m.util({ path = name }, p.util) end
+  if number(p.quota) then m.quota({ path = name }, p.quota) end
+  if number(p.clients) then m.clients({ path = name }, p.clients) end
 end
 
 local function scrape_paths(paths)
   local list = type(paths) == "table" and paths.paths or nil
   if type(list) ~= "table" then return end
-  local state = metric("lynd_path_state", "gauge")
-  local rate = metric("lynd_path_rate_mbps", "gauge")
-  local util = metric("lynd_path_utilisation_percent", "gauge")
-  local quota = metric("lynd_path_quota", "gauge")
-  local clients = metric("lynd_clients", "gauge")
-  for _, p in ipairs(list) do
-    local name = tostring(p.name or "")
-    local code = state_codes[p.state]
-    if code then state({ path = name, type = tostring(p.type or ""), state = p.state }, code) end
-    if number(p.rate) then rate({ path = name }, p.rate) end
-    if number(p.util) then util({ path = name }, p.util) end
-    if number(p.quota) then quota({ path = name }, p.quota) end
-    if number(p.clients) then clients({ path = name }, p.clients) end
-  end
+  local m = {
+    state = metric("lynd_path_state", "gauge"),
+    rate = metric("lynd_path_rate_mbps", "gauge"),
+    util = metric("lynd_path_utilisation_percent", "gauge"),
+    quota = metric("lynd_path_quota", "gauge"),
+    clients = metric("lynd_clients", "gauge"),
+  }
+  for _, p in ipairs(list) do scrape_path(p, m) end
 end
 
 local plain_counters = {
@@ -90,19 +109,26 @@ local function scrape_counters(c)
   by_key("lynd_events_total", "counter", "type", c.events)
 end
 
+-- One call; nil for no answer, a failed call or an error of the binding.
+local function call(conn, method)
+  local ok, reply = pcall(conn.call, conn, "lynd", method, {})
+  if ok and type(reply) == "table" then return reply end
+  return nil
+end
+
 local function scrape()
-  local conn = ubus.connect()
-  if not conn then
+  local ok, conn = pcall(ubus.connect, nil, call_timeout)
+  if not ok or not conn then
     metric("lynd_up", "gauge", nil, 0)
     return
   end
-  local status = conn:call("lynd", "status", {})
+  local status = call(conn, "status")
   metric("lynd_up", "gauge", nil, status and 1 or 0)
   if status then
-    scrape_paths(conn:call("lynd", "paths", {}))
-    scrape_counters(conn:call("lynd", "counters", {}))
+    pcall(scrape_paths, call(conn, "paths"))
+    pcall(scrape_counters, call(conn, "counters"))
   end
-  conn:close()
+  pcall(conn.close, conn)
 end
 
 return { scrape = scrape }

@@ -28,12 +28,23 @@ end
 check(replies.status ~= nil, "the recording holds a status reply")
 check(replies.paths ~= nil, "the recording holds a paths reply")
 
-local closed = false
+-- The ubus module: replies by method, a connection that records its
+-- timeout (the binding waits 30 s per call without one) and its close.
+-- A hung lynd answers nothing after the whole timeout; `waited` adds up
+-- the seconds a scrape would have spent.
+local closed, hung, waited = false, false, 0
 package.preload["ubus"] = function()
   return {
-    connect = function()
+    connect = function(_, timeout)
+      local conn_timeout = timeout or 30
       return {
-        call = function(_, object, method) return object == "lynd" and replies[method] or nil end,
+        call = function(_, object, method)
+          if hung then
+            waited = waited + conn_timeout
+            return nil
+          end
+          return object == "lynd" and replies[method] or nil
+        end,
         close = function() closed = true end,
       }
     end,
@@ -65,11 +76,43 @@ check(type(collector) == "table" and type(collector.scrape) == "function", "the 
 collector.scrape()
 check(closed, "the collector closes its bus connection")
 
+-- label="value" pairs, the value with \\, \" and \n escaped and no other
+-- backslash, quote or newline in it; nil when the text is not that.
+local function parse_labels(body)
+  local labels, at = {}, 1
+  while at <= #body do
+    local k, open = body:match('^([a-zA-Z_][a-zA-Z0-9_]*)="()', at)
+    if not k then return nil end
+    local v, i = {}, open
+    while true do
+      local c = body:sub(i, i)
+      if c == "" or c == "\n" then return nil end
+      if c == '"' then break end
+      if c == "\\" then
+        local e = body:sub(i + 1, i + 1)
+        local plain = ({ ["\\"] = "\\", ['"'] = '"', n = "\n" })[e]
+        if not plain then return nil end
+        v[#v + 1], i = plain, i + 2
+      else
+        v[#v + 1], i = c, i + 1
+      end
+    end
+    labels[k] = table.concat(v)
+    at = i + 1
+    if at <= #body then
+      if body:sub(at, at) ~= "," then return nil end
+      at = at + 1
+    end
+  end
+  return labels
+end
+
 -- Text exposition format: "# TYPE name type" once per name, before its
 -- samples; samples "name{label=\"value\",...} number".
-local types, samples = {}, {}
 local name_re = "^[a-zA-Z_:][a-zA-Z0-9_:]*$"
-for _, line in ipairs(out) do
+local function read_exposition(lines)
+local types, samples = {}, {}
+for _, line in ipairs(lines) do
   local tname, ttype = line:match("^# TYPE (%S+) (%S+)$")
   if tname then
     check(tname:match(name_re) ~= nil, "metric name " .. tname)
@@ -82,14 +125,12 @@ for _, line in ipairs(out) do
     name = name or ""
     local labels, value = {}, rest
     if rest:sub(1, 1) == "{" then
-      local body, tail = rest:match("^{(.-)}(.*)$")
+      local body, tail = rest:match("^{(.*)}(.*)$")
       check(body ~= nil, "labels closed: " .. line)
       body, value = body or "", tail or ""
-      for pair in (body .. ","):gmatch("([^,]*),") do
-        local k, v = pair:match('^([a-zA-Z_][a-zA-Z0-9_]*)="([^"\\\n]*)"$')
-        check(k ~= nil, "label pair " .. pair .. " in " .. line)
-        if k then labels[k] = v end
-      end
+      local parsed = parse_labels(body)
+      check(parsed ~= nil, "label pairs in " .. line)
+      labels = parsed or {}
     end
     local num = value:match("^ (%-?[0-9.eE+]+)$")
     check(num ~= nil and tonumber(num) ~= nil, "a number after the name: " .. line)
@@ -97,6 +138,9 @@ for _, line in ipairs(out) do
     samples[#samples + 1] = { name = name, labels = labels, value = tonumber(num or "") }
   end
 end
+return types, samples
+end
+local types, samples = read_exposition(out)
 
 local function find(name, label, value)
   for _, s in ipairs(samples) do
@@ -134,10 +178,62 @@ local nl = find("lynd_events_total", "type", "bridge")
 check(nl ~= nil and c.events ~= nil and nl.value == c.events.bridge, "lynd_events_total of bridge")
 
 -- Without the daemon the scrape says so and nothing else.
-replies = {}
-out = {}
-collector.scrape()
+local function scrape_with(r)
+  replies, out, closed, waited = r, {}, false, 0
+  local ok, err = pcall(collector.scrape)
+  check(ok, "the scrape raises no error: " .. tostring(err))
+  check(closed, "the connection is closed")
+end
+scrape_with({})
 check(#out == 2 and out[2] == "lynd_up 0", "lynd_up 0 when lynd does not answer")
+
+-- A hung lynd: every call waits its whole timeout. The scrape must end well
+-- inside Prometheus' 10 s scrape timeout, or the node's other metrics go too.
+hung = true
+scrape_with({ status = {} })
+hung = false
+check(#out == 2 and out[2] == "lynd_up 0", "lynd_up 0 when lynd hangs")
+check(waited > 0 and waited <= 3, "a hung lynd costs at most 3 s, not " .. waited)
+
+-- Garbled replies: every element of the wrong type is passed over, label
+-- values are escaped, and what is sound still comes through.
+scrape_with({
+  status = "up",
+  paths = { paths = { { name = "ath12", state = "NORMAL", rate = 866, clients = 2 } } },
+})
+check(#out == 2 and out[2] == "lynd_up 0", "lynd_up 0 when status is no table")
+scrape_with({
+  status = { version = 7 },
+  paths = { paths = { "ath0", 5, { name = 3 }, { name = 'a"b\\c\nd', type = {}, state = "NORMAL", rate = "fast",
+    util = 0 / 0, clients = 3 }, { name = "ath12", state = {}, quota = 10000 } } },
+  counters = { moves_by_reason = { 1, 2, better_path = 4, [true] = 1, weird = "x" }, events = "none",
+    state_changes = { ['NOR"MAL'] = 1 }, tool_run_failures = {}, moves_held = 2 },
+})
+local gtypes, gsamples = read_exposition(out)
+local function gfind(name, label, value)
+  for _, s in ipairs(gsamples) do
+    if s.name == name and (label == nil or s.labels[label] == value) then return s end
+  end
+  return nil
+end
+check(gtypes.lynd_up ~= nil and gfind("lynd_up").value == 1, "lynd_up 1 when status is a table")
+check(gfind("lynd_clients", "path", 'a"b\\c\nd') ~= nil, "an odd path name is escaped, not dropped")
+check(gfind("lynd_path_state", "path", 'a"b\\c\nd') ~= nil, "its state too, with an empty type")
+check(gfind("lynd_path_rate_mbps", "path", 'a"b\\c\nd') == nil, "a rate that is no number is passed over")
+check(gfind("lynd_path_utilisation_percent") == nil, "not a number is passed over")
+check(gfind("lynd_path_quota", "path", "ath12") ~= nil, "a path whose state is garbled keeps its other figures")
+check(gfind("lynd_path_state", "path", "ath12") == nil, "a state that is no string is passed over")
+check(gfind("lynd_moves_total", "reason", "better_path").value == 4, "string keys of a counter table count")
+check(#gsamples == 7, "seven samples from the garbled replies, not " .. #gsamples)
+check(gfind("lynd_path_state_changes_total", "state", 'NOR"MAL') ~= nil, "an odd key is escaped")
+check(gfind("lynd_moves_held_total").value == 2, "a sound counter beside garbled ones")
+
+-- A binding that raises instead of answering.
+package.loaded["ubus"] = { connect = function() error("socket gone") end }
+collector = dofile(collector_path)
+out = {}
+check(pcall(collector.scrape), "a failing connect raises no error")
+check(#out == 2 and out[2] == "lynd_up 0", "lynd_up 0 when the connect fails")
 
 if failures > 0 then
   io.stderr:write(failures .. " check(s) failed\n")
