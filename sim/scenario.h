@@ -19,6 +19,7 @@ struct ScenarioTool {
     std::string cmdline;
     std::string output;
     int status = 0;
+    SimToolMode mode = SimToolMode::ANSWERS;
 };
 
 struct ScenarioBridge {

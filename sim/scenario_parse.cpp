@@ -97,11 +97,19 @@ void parse_tool(Reader& r, const char* cmdline, json_object* val, ScenarioTool* 
         if (t->output.size() > kMaxToolOutput)
             r.fail("output of tool " + quoted(t->cmdline) + " is too long");
     } else if (json_is(val, json_type_object)) {
+        static const char* const keys[] = {"output", "status", "hang", "endless", nullptr};
+        (void)json_only_keys(r, val, keys, ("tool " + quoted(t->cmdline)).c_str());
         (void)json_get_string(r, val, "output", &t->output, kMaxToolOutput);
         if (json_get_int(r, val, "status", 0, 255, &status))
             t->status = static_cast<int>(status);
+        bool hang = false, endless = false;
+        (void)json_get_bool(r, val, "hang", &hang);
+        (void)json_get_bool(r, val, "endless", &endless);
+        if (hang && endless)
+            r.fail("tool " + quoted(t->cmdline) + " cannot both hang and print without end");
+        t->mode = hang ? SimToolMode::HANGS : endless ? SimToolMode::ENDLESS : SimToolMode::ANSWERS;
     } else {
-        r.fail("tool " + quoted(t->cmdline) + " needs an output string or {\"output\", \"status\"}");
+        r.fail("tool " + quoted(t->cmdline) + " needs an output string or {\"output\", \"status\", \"hang\", \"endless\"}");
     }
 }
 

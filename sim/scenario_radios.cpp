@@ -136,9 +136,9 @@ void parse_node_mesh(JsonReader& r, json_object* node, Scenario* out) {
     if (!json_only_keys(r, mesh, keys, "\"mesh\""))
         return;
     if (json_get_mac(r, mesh, "controller", mac) && json_get_string(r, mesh, "controller", &text))
-        add_tool(out, "ubus call map meshd {\"action\":\"findcontroller\"}", ubus_reply("ret", "0", "mac", text));
+        add_tool(out, "ubus -t 2 call map meshd {\"action\":\"findcontroller\"}", ubus_reply("ret", "0", "mac", text));
     if (json_get_string(r, mesh, "eth_bh_if", &bh, kMaxIfname))
-        add_tool(out, "ubus call map get_bh_eth", ubus_reply("success", "0", "eth_bh_if", bh));
+        add_tool(out, "ubus -t 2 call map get_bh_eth", ubus_reply("success", "0", "eth_bh_if", bh));
 }
 
 }  // namespace lynd

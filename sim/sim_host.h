@@ -14,6 +14,12 @@ namespace lynd {
 class SimCpu;
 class SimLoop;
 
+// How a simulated tool behaves. A hanging tool holds the daemon until its
+// deadline and is killed; an endless one prints its output over and over:
+// a capture reads a buffer full and the tool dies as its pipe closes, while
+// a tool whose output is not read runs into the deadline.
+enum class SimToolMode : uint8_t { ANSWERS, HANGS, ENDLESS };
+
 // One raw frame the daemon sent.
 struct SimFrame {
     unsigned ifindex;
@@ -32,7 +38,8 @@ class SimHost : public Host {
 public:
     // Tools are keyed by their argument vector joined with single blanks. A
     // tool that was never set cannot run.
-    void set_tool(const std::string& cmdline, const std::string& output, int status = 0);
+    void set_tool(const std::string& cmdline, const std::string& output, int status = 0,
+                  SimToolMode mode = SimToolMode::ANSWERS);
     void add_interface(const SimInterface& iface);
     const SimInterface* find_interface(const std::string& name) const;
     const std::vector<SimInterface>& interfaces() const { return interfaces_; }
@@ -117,8 +124,11 @@ private:
     struct Tool {
         std::string output;
         int status = 0;
+        SimToolMode mode = SimToolMode::ANSWERS;
     };
     const Tool* lookup_tool(const char* const argv[]);
+    // The loop stands still while a tool holds it, then the run fails.
+    int run_into_deadline();
 
     struct NlSocket {
         int protocol;

@@ -77,7 +77,8 @@ void SimLoop::fire_due(int64_t until_ms) {
         LoopTimer* t = timers_.first();
         if (t == nullptr || t->expires_ms > until_ms)
             break;
-        now_ms_ = t->expires_ms;
+        if (t->expires_ms > now_ms_)
+            now_ms_ = t->expires_ms;
         timers_.remove(t);
         t->cb(t);
     }

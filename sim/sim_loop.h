@@ -27,6 +27,9 @@ public:
     void set_stop_time(int64_t stop_ms) { stop_ms_ = stop_ms; }
     // Moves virtual time forward, firing every timer due on the way.
     void advance(int64_t ms);
+    // Moves virtual time forward without firing anything, as a loop held
+    // inside a callback; what fell due fires late, once it is back.
+    void stall(int64_t ms) { now_ms_ += ms; }
     bool running() const { return running_; }
     // Calls the watch on fd as the poller would when data arrives; false when
     // nothing watches fd.

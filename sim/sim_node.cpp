@@ -37,7 +37,7 @@ void SimNode::build_node() {
     for (const auto& i : sc_.interfaces)
         host_.add_interface(i);
     for (const auto& t : sc_.tools)
-        host_.set_tool(t.cmdline, t.output, t.status);
+        host_.set_tool(t.cmdline, t.output, t.status, t.mode);
     for (const auto& kv : sc_.uci)
         uci_.set(kv.first, kv.second);
     for (const auto& b : sc_.bridges) {

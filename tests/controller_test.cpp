@@ -9,8 +9,8 @@
 
 namespace {
 
-const char* const kFind = "ubus call map meshd {\"action\":\"findcontroller\"}";
-const char* const kBhEth = "ubus call map get_bh_eth";
+const char* const kFind = "ubus -t 2 call map meshd {\"action\":\"findcontroller\"}";
+const char* const kBhEth = "ubus -t 2 call map get_bh_eth";
 
 std::string mac_of(const uint8_t* m) {
     char s[18];

@@ -1,8 +1,9 @@
 #include <cstring>
 #include <string>
 
+#include "core/counters.h"
 #include "core/queries.h"
-#include "core/queries.h"
+#include "platform/host.h"
 #include "targets/linux/linux_host.h"
 #include "sim_fixture.h"
 
@@ -51,6 +52,48 @@ TEST_F(ExecTest, ToolStatusIsReturned) {
     const char* const ok[] = {"true", nullptr};
     EXPECT_EQ(1, linux_host.run_status(fail));
     EXPECT_EQ(0, linux_host.run_status(ok));
+}
+
+// A tool that hangs or prints without end, as the simulator models them: the
+// hanging one costs the loop the deadline and fails as a run that could not
+// be completed (counted, one ERR naming it); the endless one gives a buffer full.
+using ToolDeadlineTest = SimNodeTest;
+
+TEST_F(ToolDeadlineTest, AHangingToolFailsOnceCountedAndNamed) {
+    lynd_counters_reset();
+    host.set_tool("apstats -v -i ath12", "", 0, lynd::SimToolMode::HANGS);
+    host.set_tool("iwpriv wifi0 dbdc_enable 0", "", 0, lynd::SimToolMode::HANGS);
+    const char* const capture[] = {"apstats", "-v", "-i", "ath12", nullptr};
+    const char* const status[] = {"iwpriv", "wifi0", "dbdc_enable", "0", nullptr};
+    char out[16];
+    int64_t before = loop.now_ms();
+    EXPECT_EQ(-1, lynd_tool_capture(capture, out, sizeof out));
+    EXPECT_EQ(before + lynd::TOOL_DEADLINE_MS, loop.now_ms());
+    EXPECT_EQ(-1, lynd_tool_status(status));
+    EXPECT_EQ(2u, g_counters.tool_run_failures);
+    EXPECT_EQ(1u, host.count_logged("tool killed, no end within 3000 ms: apstats -v -i ath12"));
+    EXPECT_EQ(1u, host.count_logged("tool killed, no end within 3000 ms: iwpriv wifi0 dbdc_enable 0"));
+}
+
+TEST_F(ToolDeadlineTest, AnEndlessToolFillsTheBufferAndIsNoFailure) {
+    lynd_counters_reset();
+    host.set_tool("yes", "y\n", 0, lynd::SimToolMode::ENDLESS);
+    const char* const argv[] = {"yes", nullptr};
+    char out[5];
+    EXPECT_EQ(5, lynd_tool_capture(argv, out, sizeof out));
+    EXPECT_EQ("y\ny\ny", std::string(out, 5));
+    EXPECT_EQ(0u, g_counters.tool_run_failures);
+    EXPECT_EQ(-1, lynd_tool_status(argv));  // nobody reads it: it runs into the deadline
+    EXPECT_EQ(1u, g_counters.tool_run_failures);
+}
+
+// Unprintable bytes of an argument do not reach the log as they are.
+TEST_F(ToolDeadlineTest, TheLineNamesTheToolInPrintableText) {
+    host.set_tool("wpa_cli \x1b[2J\n", "", 0, lynd::SimToolMode::HANGS);
+    const char* const argv[] = {"wpa_cli", "\x1b[2J\n", nullptr};
+    EXPECT_EQ(-1, lynd_tool_status(argv));
+    ASSERT_FALSE(host.console_lines().empty());
+    EXPECT_NE(std::string::npos, host.console_lines().back().find("ms: wpa_cli ?[2J?")) << host.console_lines().back();
 }
 
 using UciQueryTest = SimNodeTest;

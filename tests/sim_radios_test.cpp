@@ -20,7 +20,7 @@ TEST(ScenarioRadios, LinksStationsCpuAndMesh) {
         "stations": {"ath1": [{"mac": "02:00:00:00:0a:01", "txrate": 400, "idle": 7}]},
         "node": {"cpu": [{"at": 0, "percent": 10}, {"at": 60, "percent": 90}],
                  "mesh": {"controller": "02:00:00:00:00:aa", "eth_bh_if": "eth1"},
-                 "tools": {"ubus call map get_bh_eth": "fixed"}},
+                 "tools": {"ubus -t 2 call map get_bh_eth": "fixed"}},
         "timeline": [{"at": 30, "link": "ath12", "set": {"up": true, "rssi": -88}}]})",
                       &sc, &error))
         << error;
@@ -36,7 +36,7 @@ TEST(ScenarioRadios, LinksStationsCpuAndMesh) {
     ASSERT_EQ(2u, sc.cpu.size());
     EXPECT_EQ(60000, sc.cpu[1].at_ms);
     ASSERT_EQ(2u, sc.tools.size());  // the scenario's own get_bh_eth reply wins
-    EXPECT_EQ("ubus call map meshd {\"action\":\"findcontroller\"}", sc.tools[1].cmdline);
+    EXPECT_EQ("ubus -t 2 call map meshd {\"action\":\"findcontroller\"}", sc.tools[1].cmdline);
     EXPECT_EQ("{\n\t\"ret\": 0,\n\t\"mac\": \"02:00:00:00:00:aa\"\n}\n", sc.tools[1].output);
     EXPECT_EQ("fixed", sc.tools[0].output);
     ASSERT_EQ(1u, sc.timeline.size());

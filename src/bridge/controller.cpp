@@ -28,7 +28,7 @@ int lynd_get_cap_mac(uint8_t* mac_out) {
         std::memcpy(mac_out, g_cap_mac, LYND_MAC_LEN);
         return 1;
     }
-    static const char* const argv[] = {"ubus", "call", "map", "meshd", "{\"action\":\"findcontroller\"}", nullptr};
+    static const char* const argv[] = {"ubus", "-t", LYND_MESH_CALL_TIMEOUT, "call", "map", "meshd", "{\"action\":\"findcontroller\"}", nullptr};
     LYND_DEBUG("call: %s", kFindControllerText);
     char reply[LYND_MESH_REPLY_MAX] = {};
     int32_t n = lynd_exec_and_res(argv, reply, sizeof reply);

@@ -4,6 +4,9 @@
 #include <cstddef>
 #include <cstdint>
 
+// Seconds ubus waits for the mesh daemon (ubus -t): it gives up, and says
+// so, before the daemon's own deadline for a tool kills it.
+constexpr const char* LYND_MESH_CALL_TIMEOUT = "2";
 // Replies are read into buffers of this size.
 constexpr size_t LYND_MESH_REPLY_MAX = 1024;
 // The backhaul name: 32 characters and the terminator.

@@ -37,7 +37,7 @@ void set_primary_names(lynd_config* conf, const char* name) {
 int lynd_update_switch_vlan_interface_primary_name(lynd_config* conf) {
     if (!conf->ts.enable)
         return 0;
-    static const char* const argv[] = {"ubus", "call", "map", "get_bh_eth", nullptr};
+    static const char* const argv[] = {"ubus", "-t", LYND_MESH_CALL_TIMEOUT, "call", "map", "get_bh_eth", nullptr};
     char reply[LYND_MESH_REPLY_MAX] = {};
     int32_t n = lynd_exec_and_res(argv, reply, sizeof reply);
     if (n < 0) {

@@ -5,12 +5,46 @@
 #include "core/counters.h"
 #include "core/log.h"
 #include "core/types.h"
+#include "platform/host.h"
 #include "platform/seams.h"
+
+namespace {
+
+// The command line for a log line: blanks between the words, anything but
+// printable text shown as '?', cut to the buffer.
+void tool_text(const char* const argv[], char* text, size_t size) {
+    size_t n = 0;
+    for (int i = 0; argv[i] != nullptr && n + 1 < size; i++) {
+        if (i > 0)
+            text[n++] = ' ';
+        for (const char* c = argv[i]; *c != '\0' && n + 1 < size; c++)
+            text[n++] = (*c >= 0x20 && *c < 0x7f) ? *c : '?';
+    }
+    text[n] = '\0';
+}
+
+// A run that did not end is one that failed, said once.
+int finished_run(const char* const argv[], int rc) {
+    if (rc == lynd::TOOL_TIMED_OUT) {
+        char text[96];
+        tool_text(argv, text, sizeof text);
+        LYND_ERR("tool killed, no end within %d ms: %s", lynd::TOOL_DEADLINE_MS, text);
+    }
+    return lynd_count_tool_run(rc < 0 ? -1 : rc);
+}
+
+}  // namespace
+
+int lynd_tool_capture(const char* const argv[], char* out, size_t size) {
+    return finished_run(argv, lynd::host().run_capture(argv, out, size));
+}
+
+int lynd_tool_status(const char* const argv[]) { return finished_run(argv, lynd::host().run_status(argv)); }
 
 int32_t lynd_exec_and_res(const char* const argv[], char* buf, int32_t size) {
     if (argv == nullptr || argv[0] == nullptr || buf == nullptr || size < 1)
         return -1;
-    return lynd_count_tool_run(lynd::host().run_capture(argv, buf, static_cast<size_t>(size)));
+    return lynd_tool_capture(argv, buf, static_cast<size_t>(size));
 }
 
 bool lynd_uci_get_value(const char* path, char* value, size_t size) {

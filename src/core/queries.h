@@ -5,6 +5,12 @@
 #include <cstddef>
 #include <cstdint>
 
+// Tool runs through the host seam, each counted in tool_run_failures when it
+// fails: -1 when the tool could not run or was killed at its deadline (one
+// ERR line names it then), else the bytes read / its exit status.
+int lynd_tool_capture(const char* const argv[], char* out, size_t size);
+int lynd_tool_status(const char* const argv[]);
+
 // Reads at most size bytes of the tool's standard output into buf, adding no
 // terminator. -1 for null arguments, size below 1, or a tool that cannot run.
 int32_t lynd_exec_and_res(const char* const argv[], char* buf, int32_t size);

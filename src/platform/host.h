@@ -10,14 +10,22 @@ constexpr size_t IFNAME_LEN = 16;  // 15 characters and the terminator
 
 enum class HwAddrResult { OK, SOCKET_FAILED, IOCTL_FAILED };
 
+// How long a tool may run: a tool that hangs or prints without end must not
+// hold the single loop longer than this.
+constexpr int TOOL_DEADLINE_MS = 3000;
+// A run's result when the tool was killed at its deadline.
+constexpr int TOOL_TIMED_OUT = -2;
+
 class Host {
 public:
     virtual ~Host() = default;
 
     // Runs argv[0] with argv (null-terminated), no shell. Reads at most
-    // size bytes of its standard output into out. -1 when it could not run.
+    // size bytes of its standard output into out. -1 when it could not run,
+    // TOOL_TIMED_OUT when it was still running at its deadline.
     virtual int run_capture(const char* const argv[], char* out, size_t size) = 0;
-    // Runs argv and waits; the exit status, or -1 when it could not run.
+    // Runs argv and waits; the exit status, -1 when it could not run (or
+    // died of a signal), TOOL_TIMED_OUT when killed at its deadline.
     virtual int run_status(const char* const argv[]) = 0;
 
     // The log sink: one formatted line, newline included.

@@ -9,7 +9,6 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <syslog.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -18,60 +17,11 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "targets/linux/tool_run.h"
+
 namespace lynd {
 
 namespace {
-
-int wait_status(pid_t pid) {
-    int status = 0;
-    while (waitpid(pid, &status, 0) < 0) {
-        if (errno != EINTR)
-            return -1;
-    }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-// The child's half of spawn: its standard output, the tool, and on failure
-// the reason through report.
-[[noreturn]] void exec_child(const char* const argv[], int out_fd, int report) {
-    if (out_fd < 0 || dup2(out_fd, STDOUT_FILENO) >= 0)
-        execvp(argv[0], const_cast<char* const*>(argv));
-    int err = errno;
-    ssize_t ignored = ::write(report, &err, sizeof err);
-    (void)ignored;
-    _exit(127);
-}
-
-// True when the child wrote why its exec failed; a successful exec closes
-// the pipe unwritten.
-bool exec_failed(int report) {
-    int err = 0;
-    ssize_t n;
-    do
-        n = ::read(report, &err, sizeof err);
-    while (n < 0 && errno == EINTR);
-    return n != 0;
-}
-
-// Starts argv with its standard output on out_fd (-1: inherited); -1 when it
-// could not be run. The child says so itself through a pipe that a successful
-// exec closes: what posix_spawn reports differs between C libraries and is
-// lost under an emulator. Every descriptor passed is close-on-exec.
-pid_t spawn(const char* const argv[], int out_fd) {
-    int report[2];
-    if (pipe2(report, O_CLOEXEC) != 0)
-        return -1;
-    pid_t pid = fork();
-    if (pid == 0)
-        exec_child(argv, out_fd, report[1]);
-    ::close(report[1]);
-    if (pid > 0 && exec_failed(report[0])) {
-        (void)wait_status(pid);
-        pid = -1;
-    }
-    ::close(report[0]);
-    return pid;
-}
 
 // Whole or not at all; false after a short write.
 bool write_all(int fd, const char* data, size_t len) {
@@ -97,32 +47,10 @@ LinuxHost::~LinuxHost() {
 }
 
 int LinuxHost::run_capture(const char* const argv[], char* out, size_t size) {
-    int fds[2];
-    if (pipe2(fds, O_CLOEXEC) != 0)
-        return -1;
-    pid_t pid = spawn(argv, fds[1]);
-    ::close(fds[1]);
-    if (pid < 0) {
-        ::close(fds[0]);
-        return -1;
-    }
-    size_t got = 0;
-    while (got < size) {
-        ssize_t n = ::read(fds[0], out + got, size - got);
-        if (n > 0)
-            got += static_cast<size_t>(n);
-        else if (n == 0 || errno != EINTR)
-            break;
-    }
-    ::close(fds[0]);
-    (void)wait_status(pid);
-    return static_cast<int>(got);
+    return tool_run_capture(argv, out, size, TOOL_DEADLINE_MS);
 }
 
-int LinuxHost::run_status(const char* const argv[]) {
-    pid_t pid = spawn(argv, -1);
-    return pid < 0 ? -1 : wait_status(pid);
-}
+int LinuxHost::run_status(const char* const argv[]) { return tool_run_status(argv, TOOL_DEADLINE_MS); }
 
 void LinuxHost::console_write(const char* line, size_t len) {
     if (console_path_ != nullptr) {

@@ -3,10 +3,9 @@
 #include <cstdio>
 #include <cstring>
 
-#include "core/counters.h"
+#include "core/queries.h"
 #include "core/log.h"
 #include "core/shadow.h"
-#include "platform/seams.h"
 #include "wlan/link_activation.h"
 #include "wlan/qca/link_stats_qca.h"
 #include "wlan/qca/qca_request.h"
@@ -88,5 +87,5 @@ int wlan_restart_link(uint32_t type) {
     if (lynd_shadow_holds("reconnect"))
         return 0;
     const char* const argv[] = {"wpa_cli", "-p", ctrl_dir, "-i", name, "reconnect", nullptr};
-    return lynd_count_tool_run(lynd::host().run_status(argv));
+    return lynd_tool_status(argv);
 }

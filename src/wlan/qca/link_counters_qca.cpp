@@ -2,9 +2,8 @@
 #include <cinttypes>
 #include <cstdio>
 
-#include "core/counters.h"
+#include "core/queries.h"
 #include "core/log.h"
-#include "platform/seams.h"
 #include "wlan/qca/link_stats_qca.h"
 
 namespace {
@@ -24,7 +23,7 @@ int wlan_get_link_counters(const char* ifname, wlan_link_counters* counters) {
     std::snprintf(cmd, sizeof cmd, "apstats -v -i %s|grep 'x Data Bytes'", ifname);
     const char* const argv[] = {"apstats", "-v", "-i", ifname, nullptr};
     char out[kApstatsMax];
-    int n = lynd_count_tool_run(lynd::host().run_capture(argv, out, sizeof out));
+    int n = lynd_tool_capture(argv, out, sizeof out);
     if (n < 0) {
         LYND_ERR("popen %s faild", cmd);
         return 0;

@@ -1,7 +1,6 @@
 #include "wlan/qca/wlan_platform_qca.h"
 
-#include "core/counters.h"
-#include "platform/seams.h"
+#include "core/queries.h"
 #include "wlan/qca/link_control_qca.h"
 #include "wlan/qca/link_stats_qca.h"
 
@@ -10,7 +9,7 @@ namespace {
 // Dual-band concurrency is off while the daemon runs and back on after it.
 int qca_set_dbdc(const char* value) {
     const char* const argv[] = {"iwpriv", "wifi0", "dbdc_enable", value, nullptr};
-    return lynd_count_tool_run(lynd::host().run_status(argv));
+    return lynd_tool_status(argv);
 }
 
 // The slot has no result; the peer count is of no use to its callers.
