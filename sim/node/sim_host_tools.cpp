@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "sim/sim_loop.h"
+#include "sim/node/sim_loop.h"
 
 namespace lynd {
 
