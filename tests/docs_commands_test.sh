@@ -101,6 +101,11 @@ while IFS="$tab" read -r where line; do
 		failed=1
 	fi
 done <"$work/commands"
+# Every bundled scenario is listed where the scenarios are told.
+for sc in "$src"/scenarios/*.json; do
+	name=$(basename "$sc" .json)
+	grep -q "\`$name\`" "$src/docs/simulator.md" || { echo "FAIL: scenario $name is not listed in docs/simulator.md"; failed=1; }
+done
 echo "$ran commands run"
 [ "$ran" -gt 0 ] || { echo "FAIL: no command found"; failed=1; }
 exit $failed
