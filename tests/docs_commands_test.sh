@@ -92,7 +92,7 @@ while IFS="$tab" read -r where line; do
 	build/lynd-check*|lynd-check*) run="$check${cmd#*lynd-check}" ;;
 	*) echo "FAIL $where: $cmd: only lynd-sim and lynd-check commands can be shown"; failed=1; continue ;;
 	esac
-	(cd "$work" && timeout 120 sh -c "$run" >"$work/out" 2>&1)
+	(cd "$work" && timeout 300 sh -c "$run" >"$work/out" 2>&1)
 	rc=$?
 	ran=$((ran + 1))
 	if [ "$rc" -ne "${want:-0}" ]; then
