@@ -1,4 +1,5 @@
 #include "sim/trace_chain.h"
+#include "sim/trace_reader_stream.h"
 
 #include <gtest/gtest.h>
 

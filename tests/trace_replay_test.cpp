@@ -43,12 +43,9 @@ protected:
 
     lynd::ReplayResult replay(const std::string& text, const std::string& config = "",
                               const std::vector<std::string>& extra = {}) {
-        lynd::Trace t;
-        std::string error;
-        EXPECT_TRUE(lynd::trace_parse(text.data(), text.size(), &t, &error)) << error;
         if (!config.empty() || !extra.empty())
-            return lynd::what_if_trace(t, config, extra);
-        return lynd::replay_trace(t, extra);
+            return lynd::what_if_trace(lynd::trace_text(text), config, extra);
+        return lynd::replay_trace(lynd::trace_text(text), extra);
     }
 
     TempDir tmp;
@@ -142,10 +139,7 @@ TEST_F(TraceReplayTest, TheConfiguredTraceRotatesAtItsSizeAndItsPartsReplayChain
     EXPECT_EQ(2, r.exit_status);
     EXPECT_NE(std::string::npos, r.report.find("the daemon's state at this file's start is not in the trace"))
         << r.report;
-    lynd::Trace chained;
-    std::string error;
-    ASSERT_TRUE(lynd::trace_load_parts({path + ".1", path}, &chained, &error)) << error;
-    lynd::ReplayResult whole = lynd::replay_trace(chained, {});
+    lynd::ReplayResult whole = lynd::replay_trace(lynd::trace_files({path + ".1", path}), {});
     EXPECT_TRUE(whole.identical) << whole.report;
 
     // A difference in the second part is named by its part and line there.
@@ -154,9 +148,8 @@ TEST_F(TraceReplayTest, TheConfiguredTraceRotatesAtItsSizeAndItsPartsReplayChain
     std::string bad = now;
     bad.replace(at, 20, "\"fn\":\"bridgeStopAPX\"");
     std::ofstream(path) << bad;
-    ASSERT_TRUE(lynd::trace_load_parts({path + ".1", path}, &chained, &error)) << error;
     size_t line = static_cast<size_t>(std::count(bad.begin(), bad.begin() + static_cast<long>(at), '\n')) + 1;
-    lynd::ReplayResult diff = lynd::replay_trace(chained, {});
+    lynd::ReplayResult diff = lynd::replay_trace(lynd::trace_files({path + ".1", path}), {});
     EXPECT_NE(std::string::npos, diff.report.find("(part 2, line " + std::to_string(line) + ")")) << diff.report;
 }
 
