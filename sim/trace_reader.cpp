@@ -66,14 +66,14 @@ bool read_parsed(const char* p, size_t n, int line, TraceRecord* r, std::string*
     return true;
 }
 
-// Digits of a zero run's count, no further than max + 1.
-bool zero_run(const char* hex, size_t len, size_t* i, size_t max, size_t* run) {
+// A zero run's count; a run longer than any field is damage.
+bool zero_run(const char* hex, size_t len, size_t* i, size_t* run) {
     size_t j = *i + 1;
     *run = 0;
     for (; j < len && hex[j] >= '0' && hex[j] <= '9'; j++)
-        if (*run <= max)
+        if (*run <= TRACE_FIELD_MAX)
             *run = *run * 10 + static_cast<size_t>(hex[j] - '0');
-    if (j == *i + 1 || j >= len || hex[j] != '.')
+    if (j == *i + 1 || j >= len || hex[j] != '.' || *run > TRACE_FIELD_MAX)
         return false;
     *i = j + 1;
     return true;
@@ -176,7 +176,7 @@ bool trace_unhex(const char* hex, size_t len, std::string* out, size_t max) {
     for (size_t i = 0; i < len;) {
         if (hex[i] == 'z') {
             size_t run = 0;
-            if (!zero_run(hex, len, &i, max, &run))
+            if (!zero_run(hex, len, &i, &run))
                 return false;
             size_t room = max - out->size();
             out->append(run < room ? run : room, '\0');

@@ -76,8 +76,8 @@ bool trace_read_header(const TraceRecord& r, TraceHeader* h, std::string* error)
 // "line N: why", the form of every reader error.
 std::string trace_line_error(int line, const std::string& why);
 
-// hex text to at most max bytes; false on an odd length or a character not
-// hex. A zero run past max is cut at max.
+// hex text to at most max bytes (the rest is checked, not kept); false on
+// an odd length, a character not hex or a zero run longer than any field.
 bool trace_unhex(const char* hex, size_t len, std::string* out, size_t max = TRACE_FIELD_MAX);
 
 }  // namespace lynd
