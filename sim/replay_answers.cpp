@@ -1,5 +1,7 @@
 #include "sim/replay_answers.h"
 
+#include <cstring>
+
 #include "sim/replay_tape.h"
 #include "trace/trace_kinds.h"
 
@@ -10,8 +12,11 @@ namespace {
 // Answers held by one run, and first answers by the index: far above the
 // questions of a real daemon (their number follows its configuration, not
 // the trace's length), and a bound on what a hostile trace can make us hold.
-constexpr size_t kHeldMax = 24 * 1024 * 1024;
-constexpr size_t kIndexMax = 16 * 1024 * 1024;
+constexpr size_t kHeldMax = 8 * 1024 * 1024;
+constexpr size_t kIndexMax = 8 * 1024 * 1024;
+// The daemon asks the same few questions every period: their keys are kept
+// by the request's text, up to this many.
+constexpr size_t kAskedMax = 4096;
 constexpr size_t kEntryCost = 96;
 // Datagrams of one socket the run did not read (yet): the oldest go first.
 constexpr size_t kUnreadMax = 256;
@@ -92,8 +97,8 @@ void ReplayAnswers::keep(const TraceRecord& r) {
         return;
     uint64_t key = trace_question_key(r);
     TraceRecord kept = slim(r);
-    kept.release();
     if (r.kind == "nl_recv") {
+        kept.release();
         auto& q = unread_[key];
         if (q.size() >= kUnreadMax) {
             held_ -= cost(q.front());
@@ -128,13 +133,28 @@ void ReplayAnswers::absorb(int64_t now_ms) {
     }
 }
 
+uint64_t ReplayAnswers::key_of(const TraceLine& request) {
+    // The same question at another time is the same text after the time.
+    const char* p = request.data();
+    const char* after = static_cast<const char*>(std::memchr(p, ',', request.size()));
+    std::string same = after != nullptr ? std::string(after, request.size() - static_cast<size_t>(after - p)) : "";
+    auto it = asked_.find(same);
+    if (it != asked_.end())
+        return it->second;
+    TraceRecord asked;
+    asked.src = std::make_shared<const std::string>(p, request.size() - 1);
+    uint64_t key = trace_question_key(asked);
+    if (asked_.size() >= kAskedMax)
+        asked_.clear();
+    asked_.emplace(std::move(same), key);
+    return key;
+}
+
 const TraceRecord* ReplayAnswers::answer(const TraceLine& request, const char* kind, int64_t now_ms) {
     if (!answered(kind))
         return nullptr;
     absorb(now_ms);
-    TraceRecord asked;
-    asked.src = std::make_shared<const std::string>(request.data(), request.size() - 1);
-    uint64_t key = trace_question_key(asked);
+    uint64_t key = key_of(request);
     if (std::string(kind) == "nl_recv") {
         auto it = unread_.find(key);
         if (it == unread_.end() || it->second.empty())

@@ -44,6 +44,7 @@ public:
 private:
     void absorb(int64_t now_ms);
     void keep(const TraceRecord& r);
+    uint64_t key_of(const TraceLine& request);
 
     TraceStream in_;
     const WhatIfIndex& index_;
@@ -51,6 +52,7 @@ private:
     bool has_ahead_ = false;
     std::unordered_map<uint64_t, TraceRecord> latest_;
     std::unordered_map<uint64_t, std::deque<TraceRecord>> unread_;  // datagrams
+    std::unordered_map<std::string, uint64_t> asked_;
     size_t held_ = 0;
     size_t dropped_ = 0;
     TraceRecord out_;

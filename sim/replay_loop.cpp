@@ -6,8 +6,8 @@ namespace lynd {
 
 namespace {
 
-constexpr size_t kTimersFloor = 100000;
-constexpr size_t kTimersPerRecord = 64;
+constexpr size_t kTimersFloor = 10000;
+constexpr size_t kTimersPerRecord = 8;
 constexpr size_t kTimersMax = 20000000;
 
 }  // namespace
