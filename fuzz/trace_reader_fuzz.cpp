@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "fuzz/fuzz_check.h"
-#include "sim/replay_run.h"
-#include "sim/trace_chain.h"
-#include "sim/trace_reader_stream.h"
+#include "sim/desk/replay_run.h"
+#include "sim/desk/trace_chain.h"
+#include "sim/desk/trace_reader_stream.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <functional>
 #include <string>
 
-#include "sim/replay_run.h"
+#include "sim/desk/replay_run.h"
 
 struct ReplayChild {
     bool exited = false;  // by itself, not by a signal (the time limit, a fault)

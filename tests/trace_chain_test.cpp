@@ -1,5 +1,5 @@
-#include "sim/trace_chain.h"
-#include "sim/trace_reader_stream.h"
+#include "sim/desk/trace_chain.h"
+#include "sim/desk/trace_reader_stream.h"
 
 #include <gtest/gtest.h>
 

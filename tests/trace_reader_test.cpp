@@ -1,4 +1,4 @@
-#include "sim/trace_reader_stream.h"
+#include "sim/desk/trace_reader_stream.h"
 
 #include <gtest/gtest.h>
 

@@ -13,10 +13,10 @@
 
 #include "file_text.h"
 #include "replay_child.h"
-#include "sim/replay_run.h"
-#include "sim/scenario.h"
+#include "sim/desk/replay_run.h"
+#include "sim/scenario/scenario.h"
 #include "sim/sim_node.h"
-#include "sim/trace_anonymize.h"
+#include "sim/desk/trace_anonymize.h"
 #include "temp_dir.h"
 #include "trace/trace_recorder.h"
 
