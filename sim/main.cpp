@@ -83,7 +83,7 @@ void on_daemon_exit() {
         lynd::ReplayResult r = lynd::replay_conclude(1);
         std::fputs(r.report.c_str(), stdout);
         std::fflush(stdout);
-        _exit(r.identical ? 0 : 1);
+        _exit(r.identical ? 0 : r.exit_status == 2 ? 2 : 1);
     }
     if (g_active.node == nullptr)
         return;
