@@ -83,7 +83,7 @@ void on_daemon_exit() {
         lynd::ReplayResult r = lynd::replay_conclude(1);
         std::fputs(r.report.c_str(), stdout);
         std::fflush(stdout);
-        _exit(r.identical ? 0 : 1);
+        _exit(r.identical ? 0 : r.exit_status == 2 ? 2 : 1);
     }
     if (g_active.node == nullptr)
         return;
@@ -224,12 +224,8 @@ int replay(int argc, char** argv) {
         argv++;
         argc--;
     }
-    lynd::Trace trace;
+    lynd::TraceSource trace = lynd::trace_files(files);
     std::string error;
-    if (!lynd::trace_load_parts(files, &trace, &error)) {
-        std::fprintf(stderr, "lynd-sim: %s", error.c_str());
-        return 2;
-    }
     std::string config;
     int first = 1;
     const char* timeline = nullptr;
@@ -354,23 +350,28 @@ int roundtrip(int argc, char** argv) {
 }
 
 int anonymize(const char* in_path, const char* out_path) {
-    std::ifstream in(in_path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    std::string out, error;
-    if (!in) {
-        std::fprintf(stderr, "lynd-sim: %s: cannot read the file\n", in_path);
-        return 2;
+    std::FILE* out = nullptr;
+    int write_errno = 0;
+    std::string error;
+    // The file is made when the first line is ready: a trace refused leaves none.
+    bool ok = lynd::trace_anonymize(lynd::trace_files({in_path}), [&](const std::string& line) {
+        if (out == nullptr)
+            out = std::fopen(out_path, "wb");
+        bool written = out != nullptr && std::fwrite(line.data(), 1, line.size(), out) == line.size();
+        write_errno = written ? 0 : errno;
+        return written;
+    }, &error);
+    if (out != nullptr && std::fclose(out) != 0 && ok) {
+        ok = false;
+        write_errno = errno;
     }
-    if (!lynd::trace_anonymize(text.str(), &out, &error)) {
-        std::fprintf(stderr, "lynd-sim: %s: %s\n", in_path, error.c_str());
-        return 2;
-    }
-    if (!lynd::write_whole_file(out_path, out, &error)) {
-        std::fprintf(stderr, "lynd-sim: %s: %s\n", out_path, error.c_str());
-        return 2;
-    }
-    return 0;
+    if (ok)
+        return 0;
+    if (write_errno != 0 || out != nullptr)
+        std::fprintf(stderr, "lynd-sim: %s: %s\n", out_path, std::strerror(write_errno));
+    else
+        std::fprintf(stderr, "lynd-sim: %s", error.c_str());
+    return 2;
 }
 
 int usage() {

@@ -51,10 +51,7 @@ protected:
     }
 
     lynd::ReplayResult replay(const std::vector<std::string>& files) {
-        lynd::Trace t;
-        std::string error;
-        EXPECT_TRUE(lynd::trace_load_parts(files, &t, &error)) << error;
-        return lynd::replay_trace(t, {});
+        return lynd::replay_trace(lynd::trace_files(files), {});
     }
 
     lynd::Scenario sc;

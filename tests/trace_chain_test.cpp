@@ -1,4 +1,5 @@
 #include "sim/desk/trace_chain.h"
+#include "sim/desk/trace_reader_stream.h"
 
 #include <gtest/gtest.h>
 

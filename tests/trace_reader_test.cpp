@@ -1,8 +1,11 @@
-#include "sim/desk/trace_reader.h"
+#include "sim/desk/trace_reader_stream.h"
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <string>
+
+#include "temp_dir.h"
 
 namespace {
 
@@ -55,6 +58,78 @@ TEST(TraceReaderTest, HexDecodingExpandsZeroRunsAndRefusesDamage) {
     EXPECT_FALSE(lynd::trace_unhex("z5", 2, &out));
     EXPECT_FALSE(lynd::trace_unhex("z.", 2, &out));
     EXPECT_FALSE(lynd::trace_unhex("z99999999999.", 13, &out));
+}
+
+// Lines a hostile trace may hold: each refused with its line named, before
+// anything is decoded or replayed.
+TEST(TraceReaderTest, HostileLinesAreRefusedByTheirLine) {
+    struct Case {
+        std::string line;
+        const char* error;
+    };
+    const Case cases[] = {
+        {"{\"t\":9223372036854775000,\"k\":\"stop\"}",
+         "line 2: time 9223372036854775000 ms out of range (0 to 4398046511104)"},
+        {"{\"t\":99999999999999999999,\"k\":\"stop\"}",
+         "line 2: time 9223372036854775807 ms out of range (0 to 4398046511104)"},
+        {"{\"t\":-5,\"k\":\"timer\",\"id\":0}", "line 2: time -5 ms out of range (0 to 4398046511104)"},
+        {"{\"t\":4398046511105,\"k\":\"timer\",\"id\":0}", "line 2: time 4398046511105 ms out of range (0 to 4398046511104)"},
+        {"{\"t\":5,\"k\":\"log\",\"line\":\"" + std::string(300000, 'x') + "\"}", "line 2: longer than 262144 bytes"},
+        {"{\"t\":5,\"k\":\"header\",\"lynd_trace\":2,\"args\":[]}", "line 2: a second header"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(c.error, parse_error(kHeader + c.line + "\n")) << c.line.substr(0, 60);
+}
+
+// A field decodes to no more than the room it fills, however many zeros it
+// claims: a 429-byte line of 16 MiB runs once took 1.25 GB.
+TEST(TraceReaderTest, AFieldDecodesToNoMoreThanItsRoom) {
+    std::string runs;
+    for (int i = 0; i < 40; i++)
+        runs += "z1048576.";
+    std::string text = kHeader + "{\"t\":5,\"k\":\"nl_recv\",\"fd\":3,\"size\":64,\"rc\":72,\"data\":\"" + runs +
+                       "\",\"out\":\"abcdef\"}\n";
+    lynd::Trace t;
+    std::string error;
+    ASSERT_TRUE(lynd::trace_parse(text.data(), text.size(), &t, &error)) << error;
+    EXPECT_EQ(std::string(64, '\0'), t.records[0].bytes("data", 64));
+    EXPECT_EQ(lynd::TRACE_FIELD_MAX, t.records[0].bytes("data").size());
+    EXPECT_EQ("abc", t.records[0].text("out", 3));
+    std::string out;
+    EXPECT_FALSE(lynd::trace_unhex("z16777216.", 10, &out));
+    EXPECT_TRUE(out.empty());
+    EXPECT_TRUE(lynd::trace_unhex("0102z1000.03", 12, &out, 3));
+    EXPECT_EQ(std::string("\x01\x02\0", 3), out);
+}
+
+// A file is read in pieces: lines across their edges come back whole, a
+// last line without its end is named, and parts chain as they stream.
+TEST(TraceReaderTest, AFileStreamsLineByLineAcrossItsPieces) {
+    TempDir tmp;
+    std::string text = kHeader;
+    for (int i = 0; i < 40; i++)
+        text += "{\"t\":" + std::to_string(i) + ",\"k\":\"log\",\"line\":\"" + std::string(100000 + i, 'a') + "\"}\n";
+    std::ofstream(tmp.path + "/a", std::ios::binary) << text;
+    std::ofstream(tmp.path + "/cut", std::ios::binary) << text << "{\"t\":50,\"k\":\"stop\"}";
+    lynd::TraceStream in(lynd::trace_files({tmp.path + "/a"}), true);
+    ASSERT_TRUE(in.open()) << in.error();
+    lynd::TraceRecord r;
+    size_t n = 0;
+    while (in.next(&r)) {
+        EXPECT_EQ(100000u + n, r.text("line").size());
+        EXPECT_EQ(static_cast<int>(n) + 2, r.line);
+        n++;
+    }
+    EXPECT_EQ("", in.error());
+    EXPECT_EQ(40u, n);
+    lynd::TraceStream cut(lynd::trace_files({tmp.path + "/cut"}), true);
+    ASSERT_TRUE(cut.open());
+    while (cut.next(&r)) {
+    }
+    EXPECT_EQ(tmp.path + "/cut: line 42: truncated record (no end of line)\n", cut.error());
+    lynd::TraceStream none(lynd::trace_files({tmp.path + "/none"}), true);
+    EXPECT_FALSE(none.open());
+    EXPECT_EQ(tmp.path + "/none: cannot read the file\n", none.error());
 }
 
 }  // namespace

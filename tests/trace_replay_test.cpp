@@ -2,13 +2,17 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
 
 #include "file_text.h"
+#include "replay_child.h"
 #include "sim/desk/replay_run.h"
 #include "sim/scenario/scenario.h"
 #include "sim/sim_node.h"
@@ -17,6 +21,11 @@
 #include "trace/trace_recorder.h"
 
 namespace {
+
+size_t slurp_size(const std::string& path) {
+    struct stat st {};
+    return stat(path.c_str(), &st) == 0 ? static_cast<size_t>(st.st_size) : 0;
+}
 
 class TraceReplayTest : public ::testing::Test {
 protected:
@@ -43,12 +52,9 @@ protected:
 
     lynd::ReplayResult replay(const std::string& text, const std::string& config = "",
                               const std::vector<std::string>& extra = {}) {
-        lynd::Trace t;
-        std::string error;
-        EXPECT_TRUE(lynd::trace_parse(text.data(), text.size(), &t, &error)) << error;
         if (!config.empty() || !extra.empty())
-            return lynd::what_if_trace(t, config, extra);
-        return lynd::replay_trace(t, extra);
+            return lynd::what_if_trace(lynd::trace_text(text), config, extra);
+        return lynd::replay_trace(lynd::trace_text(text), extra);
     }
 
     TempDir tmp;
@@ -142,10 +148,7 @@ TEST_F(TraceReplayTest, TheConfiguredTraceRotatesAtItsSizeAndItsPartsReplayChain
     EXPECT_EQ(2, r.exit_status);
     EXPECT_NE(std::string::npos, r.report.find("the daemon's state at this file's start is not in the trace"))
         << r.report;
-    lynd::Trace chained;
-    std::string error;
-    ASSERT_TRUE(lynd::trace_load_parts({path + ".1", path}, &chained, &error)) << error;
-    lynd::ReplayResult whole = lynd::replay_trace(chained, {});
+    lynd::ReplayResult whole = lynd::replay_trace(lynd::trace_files({path + ".1", path}), {});
     EXPECT_TRUE(whole.identical) << whole.report;
 
     // A difference in the second part is named by its part and line there.
@@ -154,10 +157,55 @@ TEST_F(TraceReplayTest, TheConfiguredTraceRotatesAtItsSizeAndItsPartsReplayChain
     std::string bad = now;
     bad.replace(at, 20, "\"fn\":\"bridgeStopAPX\"");
     std::ofstream(path) << bad;
-    ASSERT_TRUE(lynd::trace_load_parts({path + ".1", path}, &chained, &error)) << error;
     size_t line = static_cast<size_t>(std::count(bad.begin(), bad.begin() + static_cast<long>(at), '\n')) + 1;
-    lynd::ReplayResult diff = lynd::replay_trace(chained, {});
+    lynd::ReplayResult diff = lynd::replay_trace(lynd::trace_files({path + ".1", path}), {});
     EXPECT_NE(std::string::npos, diff.report.find("(part 2, line " + std::to_string(line) + ")")) << diff.report;
+}
+
+// The trace streams by: replaying one many times larger than the memory it
+// may take holds no more than replaying a small one.
+constexpr long kReplayGrowthKb = 16 * 1024;
+constexpr size_t kBigTrace = 160u << 20;
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kSanitized = true;  // freed memory is held back in quarantine
+#elif defined(__has_feature)
+constexpr bool kSanitized = __has_feature(address_sanitizer);
+#else
+constexpr bool kSanitized = false;
+#endif
+
+// Every record of text with a member no replay reads, padded to make the
+// file at least size bytes.
+void write_padded(const std::string& text, const std::string& path, size_t size) {
+    size_t lines = static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
+    std::string pad = ",\"pad\":\"" + std::string(size / lines + 1, 'p') + "\"}\n";
+    std::ofstream out(path, std::ios::binary);
+    size_t pos = text.find('\n') + 1;
+    out << text.substr(0, pos);
+    while (pos < text.size()) {
+        size_t end = text.find('\n', pos);
+        out.write(text.data() + pos, static_cast<std::streamsize>(end - 1 - pos));
+        out << pad;
+        pos = end + 1;
+    }
+}
+
+TEST_F(TraceReplayTest, ATraceManyTimesItsMemoryBoundReplaysWithinIt) {
+    if (kSanitized)
+        GTEST_SKIP() << "the sanitizer's quarantine holds freed memory";
+    std::string small = dir + "/small", big = dir + "/big";
+    std::string text = record(scenario("ps_weak_5g"));
+    std::ofstream(small, std::ios::binary) << text;
+    write_padded(text, big, kBigTrace);
+    ASSERT_GE(slurp_size(big), kBigTrace);
+    ReplayChild a = replay_in_child([&] { return lynd::replay_trace(lynd::trace_files({small}), {}); }, 60);
+    ReplayChild b = replay_in_child([&] { return lynd::replay_trace(lynd::trace_files({big}), {}); }, 60);
+    EXPECT_EQ(0, a.status) << a.report;
+    EXPECT_EQ(0, b.status) << b.report;
+    EXPECT_LT(b.max_rss_kb - a.max_rss_kb, kReplayGrowthKb) << a.max_rss_kb << " KiB, then " << b.max_rss_kb;
+    std::printf("replay of %zu MiB: max RSS %ld KiB (%ld KiB for %zu KiB)\n", slurp_size(big) >> 20, b.max_rss_kb,
+                a.max_rss_kb, text.size() >> 10);
 }
 
 }  // namespace

@@ -53,10 +53,11 @@ int ReplayHost::run_capture(const char* const argv[], char* out, size_t size) {
     const TraceRecord* r = tape_->take(l);
     if (r == nullptr)
         return -1;
-    int rc = static_cast<int>(r->num("rc", -1));
-    if (rc > 0)
-        (void)copy_out(r->text("out"), out, size);
-    return rc;
+    // The length is what was copied: a recorded count is no length.
+    int64_t rc = r->num("rc", -1);
+    if (rc <= 0)
+        return rc == 0 ? 0 : -1;
+    return static_cast<int>(copy_out(r->text("out", size), out, size));
 }
 
 int ReplayHost::run_status(const char* const argv[]) {
@@ -66,11 +67,10 @@ int ReplayHost::run_status(const char* const argv[]) {
 }
 
 void ReplayHost::console_write(const char* line, size_t len) {
-    console_.append(line, len);
     std::string text(line, len);
     const TraceRecord* next = tape_->peek();
     if (next != nullptr && next->kind == "log") {
-        std::string recorded = next->text("line");
+        std::string recorded = next->text("line", TRACE_LINE_MAX);
         if (recorded != text && without_addresses(recorded) == without_addresses(text))
             text = recorded;
     }
@@ -100,7 +100,7 @@ HwAddrResult ReplayHost::get_hwaddr(const char* ifname, uint8_t* mac) {
         return HwAddrResult::SOCKET_FAILED;
     auto rc = static_cast<HwAddrResult>(r->num("rc", 1));
     if (rc == HwAddrResult::OK)
-        (void)copy_out(r->bytes("mac"), mac, 6);
+        (void)copy_out(r->bytes("mac", 6), mac, 6);
     return rc;
 }
 
@@ -127,8 +127,10 @@ long ReplayHost::read_file(const char* path, char* buf, size_t size) {
         return static_cast<long>(copy_out(config_, buf, size));
     if (r == nullptr)
         return -1;
-    long rc = static_cast<long>(r->num("rc", -1));
-    return rc > 0 ? static_cast<long>(copy_out(r->text("data"), buf, size)) : rc;
+    int64_t rc = r->num("rc", -1);
+    if (rc <= 0)
+        return rc == 0 ? 0 : -1;
+    return static_cast<long>(copy_out(r->text("data", size), buf, size));
 }
 
 long ReplayHost::file_size(const char* path) {
@@ -170,13 +172,17 @@ int ReplayHost::dev_ioctl(int fd, unsigned long request, void* arg) {
         break;
     case IW_IOCTL_GET_AP:
         req->u.addr.family = static_cast<uint16_t>(r->num("family"));
-        (void)copy_out(r->bytes("addr"), req->u.addr.bytes, sizeof req->u.addr.bytes);
+        (void)copy_out(r->bytes("addr", sizeof req->u.addr.bytes), req->u.addr.bytes, sizeof req->u.addr.bytes);
         break;
-    case QCA_IOCTL_STA_TABLE:
-        req->u.data.length = static_cast<uint16_t>(r->num("got"));
-        trace_bytes_to_host(TraceBytes::STA_TABLE, req->u.data.pointer,
-                            copy_out(r->bytes("data"), req->u.data.pointer, QCA_STA_TABLE_SIZE));
+    case QCA_IOCTL_STA_TABLE: {
+        // Room is what the daemon offered; the length what was copied.
+        size_t room = req->u.data.length < QCA_STA_TABLE_SIZE ? req->u.data.length : QCA_STA_TABLE_SIZE;
+        size_t n = copy_out(r->bytes("data", room), req->u.data.pointer, room);
+        int64_t got = r->num("got");
+        req->u.data.length = static_cast<uint16_t>(got >= 0 && static_cast<size_t>(got) < n ? got : n);
+        trace_bytes_to_host(TraceBytes::STA_TABLE, req->u.data.pointer, n);
         break;
+    }
     default:
         break;
     }
@@ -218,10 +224,10 @@ long ReplayHost::nl_recv(int fd, void* buf, size_t size) {
     const TraceRecord* r = tape_->take(l);
     if (r == nullptr)
         return -EAGAIN;
-    long rc = static_cast<long>(r->num("rc", -EAGAIN));
+    int64_t rc = r->num("rc", -EAGAIN);
     if (rc <= 0)
-        return rc;
-    size_t n = copy_out(r->bytes("data"), buf, size);
+        return rc < -4095 ? -EIO : static_cast<long>(rc);
+    size_t n = copy_out(r->bytes("data", size), buf, size);
     trace_bytes_to_host(families_.of(fd), buf, n);
     return static_cast<long>(n);
 }
@@ -229,7 +235,9 @@ long ReplayHost::nl_recv(int fd, void* buf, size_t size) {
 timespec ReplayHost::monotonic_now() {
     const TraceRecord* r = tape_->what_if() ? nullptr : tape_->take(tape_->begin("mono"));
     timespec ts{};
-    if (r != nullptr) {
+    if (r != nullptr && !trace_clock_in_range(r->num("s"), r->num("ns")))
+        tape_->refuse(*r, "a monotonic clock reading out of range");
+    if (r != nullptr && trace_clock_in_range(r->num("s"), r->num("ns"))) {
         ts.tv_sec = static_cast<time_t>(r->num("s"));
         ts.tv_nsec = static_cast<long>(r->num("ns"));
     } else {
@@ -243,7 +251,13 @@ time_t ReplayHost::wall_now() {
     if (tape_->what_if())
         return static_cast<time_t>(tape_->wall_now());
     const TraceRecord* r = tape_->take(tape_->begin("wall"));
-    return r != nullptr ? static_cast<time_t>(r->num("s")) : 0;
+    if (r == nullptr)
+        return 0;
+    if (!trace_clock_in_range(r->num("s"), 0)) {
+        tape_->refuse(*r, "a wall clock reading out of range");
+        return 0;
+    }
+    return static_cast<time_t>(r->num("s"));
 }
 
 int ReplayHost::pid() { return static_cast<int>(rc_of(tape_->begin("pid"), 1)); }
@@ -259,7 +273,7 @@ UciResult ReplayUci::get(char* path, char* value, size_t size) {
         return UciResult::NOT_FOUND;
     auto rc = static_cast<UciResult>(r->num("rc", 1));
     if (rc == UciResult::FOUND && size > 0) {
-        size_t n = copy_out(r->text("value"), value, size - 1);
+        size_t n = copy_out(r->text("value", size - 1), value, size - 1);
         value[n] = '\0';
     }
     return rc;

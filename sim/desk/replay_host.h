@@ -39,8 +39,6 @@ public:
     int pid() override;
     void ignore_sigpipe() override;
 
-    const std::string& console() const { return console_; }
-
 private:
     int64_t rc_of(TraceLine& l, int64_t def);
 
@@ -48,7 +46,6 @@ private:
     std::string config_;
     bool has_config_ = false;
     std::string config_path_;
-    std::string console_;
     NlFamilies families_;
 };
 

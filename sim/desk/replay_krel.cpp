@@ -1,8 +1,10 @@
 #include "sim/desk/replay_krel.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
+#include "bridge/hybrid_tables.h"
 #include "bridge/port_inventory.h"
 #include "trace/krel_requests.h"
 #include "trace/trace_order.h"
@@ -54,13 +56,19 @@ int ReplayKrel::bridgeTableAction(const char* bridge_name, int table_type, int* 
     if (r == nullptr)
         return -1;
     int rc = static_cast<int>(r->num("rc", -1));
-    *count = static_cast<int>(r->num("got"));
     auto it = buffers_.find(buf);
-    std::string data = r->bytes("data");
     size_t room = it != buffers_.end() ? static_cast<size_t>(it->second) : 0;
+    std::string data = r->bytes("data", room);
     size_t n = data.size() < room ? data.size() : room;
     std::memcpy(buf, data.data(), n);
     trace_bytes_to_host(trace_table_bytes(table_type), buf, n);
+    // On success the count is of entries copied; on failure the room asked for.
+    int64_t got = r->num("got");
+    int entry = lynd_table_entry_size(table_type);
+    int64_t copied = entry > 0 ? static_cast<int64_t>(n) / entry : 0;
+    if (got < 0 || got > INT32_MAX)
+        got = 0;
+    *count = static_cast<int>(rc == 0 && got > copied ? copied : got);
     return rc;
 }
 
@@ -72,8 +80,12 @@ int ReplayKrel::netlink_msg(int msg_type, unsigned char* buf, int size, int prot
     const TraceRecord* r = tape_->take(l);
     if (r == nullptr)
         return -1;
-    std::string data = r->bytes("data");
+    // The room of a buffer from bridgeAllocTableBuf is known; any other is the daemon's word.
     size_t room = static_cast<size_t>(KREL_MSG_HEADER) + static_cast<size_t>(size > 0 ? size : 0);
+    auto it = buffers_.find(buf + KREL_MSG_HEADER);
+    if (it != buffers_.end() && static_cast<size_t>(it->second) + KREL_MSG_HEADER < room)
+        room = static_cast<size_t>(it->second) + KREL_MSG_HEADER;
+    std::string data = r->bytes("data", room);
     size_t n = data.size() < room ? data.size() : room;
     std::memcpy(buf, data.data(), n);
     trace_bytes_to_host(TraceBytes::PORT_REPLY, buf, n);

@@ -4,6 +4,14 @@
 
 namespace lynd {
 
+namespace {
+
+constexpr size_t kTimersFloor = 10000;
+constexpr size_t kTimersPerRecord = 8;
+constexpr size_t kTimersMax = 20000000;
+
+}  // namespace
+
 int ReplayLoop::rc_of(TraceLine& l, int def) {
     const TraceRecord* r = tape_->take(l);
     return r != nullptr ? static_cast<int>(r->num("rc", def)) : def;
@@ -76,34 +84,38 @@ void ReplayLoop::end() {
     (void)tape_->take(tape_->begin("loop_end"));
 }
 
-size_t ReplayLoop::next_outside(size_t from) const {
-    const auto& recs = tape_->trace().records;
-    while (from < recs.size() && (!trace_kind_is_dispatch(recs[from].kind.c_str()) || recs[from].kind == "timer"))
-        from++;
-    return from;
+void ReplayLoop::set_what_if_span(int64_t end_ms, size_t records) {
+    end_ms_ = end_ms;
+    // A what-if may run its timers more often than the recording did, but
+    // not without end: a trace whose times leap ahead would keep the run
+    // going for ages of virtual time.
+    timer_budget_ = records > (kTimersMax - kTimersFloor) / kTimersPerRecord ? kTimersMax
+                                                                               : kTimersFloor + records * kTimersPerRecord;
 }
 
 void ReplayLoop::run_what_if() {
-    const auto& recs = tape_->trace().records;
-    size_t i = next_outside(0);
-    // The recorded run is all there is to answer from.
-    int64_t end_ms = recs.empty() ? 0 : recs.back().t;
+    TraceRecord next;
+    bool outside = tape_->next_outside(&next);
+    size_t fired = 0;
     ended_ = false;
     while (!ended_) {
         LoopTimer* t = timers_.first();
-        bool outside = i < recs.size() && (t == nullptr || recs[i].t < t->expires_ms);
-        if (!outside && (t == nullptr || t->expires_ms > end_ms))
+        bool take_outside = outside && (t == nullptr || next.t < t->expires_ms);
+        if (!take_outside && (t == nullptr || t->expires_ms > end_ms_))
             return;
-        if (outside) {
-            TraceRecord r = recs[i];
-            i = next_outside(i + 1);
+        if (take_outside) {
+            TraceRecord r = std::move(next);
+            outside = tape_->next_outside(&next);
             tape_->set_now(r.t);
             if (r.kind == "run_end")
                 return;
             dispatch(r);
-            r.release();
             continue;
         }
+        if (++fired > timer_budget_)
+            return tape_->stop_early("the daemon's timers fired " + std::to_string(timer_budget_) +
+                                     " times, as many as a trace of this length allows: the what-if run ended at " +
+                                     std::to_string(tape_->now_ms()) + " ms of " + std::to_string(end_ms_) + " ms");
         tape_->set_now(t->expires_ms);
         LoopTimer* due = timers_.pop_due(t->expires_ms);
         if (due != nullptr && due->cb != nullptr)

@@ -23,6 +23,8 @@ public:
     void run() override;
     void end() override;
     int64_t now_ms() override { return tape_->now_ms(); }
+    // What-if: the trace's last time and its number of records.
+    void set_what_if_span(int64_t end_ms, size_t records);
 
 private:
     int rc_of(TraceLine& l, int def);
@@ -30,7 +32,6 @@ private:
     // What-if: the daemon's own timers run on their own schedule, between
     // the recorded events from outside.
     void run_what_if();
-    size_t next_outside(size_t from) const;
 
     ReplayTape* tape_;
     ReplayBus* bus_;
@@ -38,6 +39,8 @@ private:
     TraceIds fd_ids_;
     TimerQueue timers_;
     bool ended_ = false;
+    int64_t end_ms_ = 0;
+    size_t timer_budget_ = 0;
 };
 
 }  // namespace lynd

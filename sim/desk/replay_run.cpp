@@ -3,12 +3,11 @@
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <sstream>
 
 #include "core/decision_ring.h"
 #include "daemon/lynd_main.h"
 #include "platform/seams.h"
+#include "sim/desk/replay_answers.h"
 #include "sim/desk/replay_bus.h"
 #include "sim/desk/replay_host.h"
 #include "sim/desk/replay_krel.h"
@@ -53,39 +52,14 @@ std::string seconds(int64_t ms) {
     return b;
 }
 
-// The records before the trace's end that the daemon never came to.
-size_t left_over(const ReplayTape& tape) {
-    const auto& recs = tape.trace().records;
-    size_t n = 0;
-    for (size_t i = tape.taken(); i < recs.size() && recs[i].kind != "stop" && recs[i].kind != "cut"; i++)
-        n++;
-    return n;
+// A message ends its line, whichever reader made it.
+std::string line_of(std::string s) {
+    if (s.empty() || s.back() != '\n')
+        s += '\n';
+    return s;
 }
 
 }  // namespace
-
-bool trace_load(const char* path, Trace* trace, std::string* error) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    if (!in) {
-        *error = "cannot read the file";
-        return false;
-    }
-    std::string s = text.str();
-    return trace_parse(s.data(), s.size(), trace, error);
-}
-
-bool trace_load_parts(const std::vector<std::string>& paths, Trace* trace, std::string* error) {
-    std::vector<Trace> parts(paths.size());
-    for (size_t i = 0; i < paths.size(); i++) {
-        if (!trace_load(paths[i].c_str(), &parts[i], error)) {
-            *error = paths[i] + ": " + *error + "\n";
-            return false;
-        }
-    }
-    return trace_chain(std::move(parts), paths, trace, error);
-}
 
 bool replay_active() { return g_active.tape != nullptr; }
 
@@ -95,16 +69,25 @@ ReplayResult replay_conclude(int exit_status) {
     res.exit_status = exit_status;
     res.records = tape.taken();
     const Divergence& d = tape.divergence();
-    if (d.found) {
+    std::string first;
+    size_t rest = 0;
+    if (!tape.damage().empty()) {
+        res.exit_status = 2;
+        res.report = line_of(tape.damage()) + "the replay stopped there, after " + std::to_string(res.records) +
+                     " records\n";
+    } else if (d.found) {
         std::string where = d.part > 1 ? "part " + std::to_string(d.part) + ", line " : "trace line ";
         res.report = "DIVERGED at " + seconds(d.at_ms) + " (" + where + std::to_string(d.line) +
                      ")\n  expected: " + d.expected + "\n  actual:   " + d.actual + "\n  inputs just before:\n";
         for (const auto& b : d.before)
             res.report += "    " + b + "\n";
-    } else if (size_t rest = left_over(tape)) {
-        const TraceRecord& next = tape.trace().records[tape.taken()];
+    } else if ((rest = tape.left_over(&first)) != 0) {
         res.report = "DIVERGED at " + seconds(tape.now_ms()) + ": the daemon stopped with " + std::to_string(rest) +
-                     " records to go, next " + trace_record_text(next) + "\n";
+                     " records to go, next " + first + "\n";
+    } else if (!tape.damage().empty()) {
+        // Met while reading what the daemon never came to.
+        res.exit_status = 2;
+        res.report = line_of(tape.damage());
     } else {
         res.identical = true;
         res.report = "identical: " + std::to_string(res.records) + " records over " + seconds(tape.now_ms()) +
@@ -117,17 +100,15 @@ ReplayResult replay_conclude(int exit_status) {
 
 namespace {
 
-// Checks that trace can be replayed here: empty when it can, else why not.
-std::string unreplayable(const Trace& trace) {
-    if (trace.header.part != 1)
-        return trace_chain_missing_start("the trace", trace.header.part);
-    if (trace.header.start != "boot" && trace.header.start != "call")
-        return "the trace starts mid-run (" + trace.header.start + "): a replay needs a trace from the daemon's start\n";
+// Checks that a trace can be replayed here: empty when it can, else why not.
+std::string unreplayable(const TraceHeader& header) {
+    if (header.start != "boot" && header.start != "call")
+        return "the trace starts mid-run (" + header.start + "): a replay needs a trace from the daemon's start\n";
     return "";
 }
 
-int run_daemon(const Trace& trace, const std::vector<std::string>& extra) {
-    std::vector<std::string> args = trace.header.args;
+int run_daemon(const TraceHeader& header, const std::vector<std::string>& extra) {
+    std::vector<std::string> args = header.args;
     args.insert(args.end(), extra.begin(), extra.end());
     std::vector<char*> argv;
     for (auto& a : args)
@@ -136,28 +117,42 @@ int run_daemon(const Trace& trace, const std::vector<std::string>& extra) {
     return lynd_main(static_cast<int>(args.size()), argv.data());
 }
 
-}  // namespace
-
-namespace {
-
 // Path states come from the daemon's own decisions, so they are there at
 // any log level the trace was recorded at.
 struct Watch {
     ReplayTape* tape = nullptr;
-    std::vector<Decision> states;
+    DecisionLog* log = nullptr;
 } g_watch;
 
 void note_path_state(const decision& d) {
     if (d.kind == DECISION_PATH_STATE && g_watch.tape != nullptr)
-        g_watch.states.push_back(Decision{g_watch.tape->now_ms(), "path", d.subject, d.to});
+        g_watch.log->state(Decision{g_watch.tape->now_ms(), "path", d.subject, d.to});
 }
 
+struct WhatIfRun {
+    std::vector<Decision> decisions;
+    int exit_status = 0;
+    std::string notes;  // why it ended early, what it could not hold
+};
+
 // One replay that answers every question and compares nothing: its decisions.
-std::vector<Decision> what_if_run(const Trace& trace, const std::string& config, const std::vector<std::string>& extra,
-                                  TimelineTrace* timeline, int* exit_status) {
-    ReplayTape tape(trace);
-    tape.set_what_if();
+WhatIfRun what_if_run(const TraceSource& source, const WhatIfIndex& index, const std::string& config,
+                      const std::vector<std::string>& extra, TimelineTrace* timeline) {
+    WhatIfRun run;
+    TraceStream in(source, false);
+    ReplayAnswers answers(source, index);
+    if (!in.open() || !answers.open()) {
+        run.exit_status = 2;
+        run.notes = line_of(in.error());
+        return run;
+    }
+    DecisionLog log;
+    ReplayTape tape(&in);
+    tape.set_what_if(&answers, [&log](int64_t at, const char* kind, const std::string& record) {
+        log.output(at, kind, record);
+    });
     ReplaySeams seams(&tape);
+    seams.loop.set_what_if_span(index.end_ms, index.records);
     if (!config.empty())
         seams.host.set_config(config);
     TimelineRecorder recorder;
@@ -165,50 +160,63 @@ std::vector<Decision> what_if_run(const Trace& trace, const std::string& config,
     named.name = "replay";
     if (timeline != nullptr)
         recorder.start(&seams.loop, named);
-    g_watch = Watch{};
-    g_watch.tape = &tape;
+    g_watch = Watch{&tape, &log};
     decision_ring_observe(note_path_state);
-    *exit_status = run_daemon(trace, extra);
+    run.exit_status = run_daemon(in.header(), extra);
     decision_ring_observe(nullptr);
+    g_watch = Watch{};
     if (timeline != nullptr)
         *timeline = recorder.finish(tape.now_ms());
-    std::vector<Decision> ds = decisions_of(tape.outputs());
-    ds.insert(ds.end(), g_watch.states.begin(), g_watch.states.end());
-    g_watch = Watch{};
-    return ds;
+    run.decisions = log.all();
+    if (!tape.stopped_early().empty())
+        run.notes += tape.stopped_early() + "\n";
+    if (log.dropped() != 0)
+        run.notes += std::to_string(log.dropped()) + " decisions past the first " +
+                     std::to_string(run.decisions.size()) + " were not compared\n";
+    if (answers.dropped() != 0)
+        run.notes += std::to_string(answers.dropped()) + " recorded answers were more than a replay holds\n";
+    return run;
 }
 
 }  // namespace
 
-ReplayResult what_if_trace(const Trace& trace, const std::string& config, const std::vector<std::string>& extra,
+ReplayResult what_if_trace(const TraceSource& source, const std::string& config, const std::vector<std::string>& extra,
                            TimelineTrace* timeline) {
     ReplayResult res;
     res.exit_status = 2;
-    res.report = unreplayable(trace);
+    WhatIfIndex index;
+    if (!what_if_index(source, &index, &res.report)) {
+        res.report = line_of(res.report);
+        return res;
+    }
+    res.report = unreplayable(index.header);
     if (!res.report.empty())
         return res;
     // The recorded run is replayed too: it gives the same decisions the
     // router made, read the same way as the other run's.
-    int recorded_status = 0;
-    std::vector<Decision> base = what_if_run(trace, "", {}, nullptr, &recorded_status);
-    std::vector<Decision> other = what_if_run(trace, config, extra, timeline, &res.exit_status);
-    int64_t end_ms = trace.records.empty() ? 0 : trace.records.back().t;
-    res.report = what_if_report(base, other, end_ms);
+    WhatIfRun base = what_if_run(source, index, "", {}, nullptr);
+    WhatIfRun other = what_if_run(source, index, config, extra, timeline);
+    res.exit_status = other.exit_status;
+    res.report = what_if_report(base.decisions, other.decisions, index.end_ms);
+    if (!base.notes.empty())
+        res.report += "recorded configuration: " + base.notes;
+    if (!other.notes.empty())
+        res.report += "what-if: " + other.notes;
     res.identical = true;
     return res;
 }
 
-ReplayResult replay_trace(const Trace& trace, const std::vector<std::string>& extra) {
+ReplayResult replay_trace(const TraceSource& source, const std::vector<std::string>& extra) {
     ReplayResult bad;
     bad.exit_status = 2;
-    bad.report = unreplayable(trace);
+    TraceStream in(source, true);
+    bad.report = in.open() ? unreplayable(in.header()) : line_of(in.error());
     if (!bad.report.empty())
         return bad;
-    ReplayTape tape(trace);
+    ReplayTape tape(&in);
     ReplaySeams seams(&tape);
     g_active.tape = &tape;
-
-    return replay_conclude(run_daemon(trace, extra));
+    return replay_conclude(run_daemon(in.header(), extra));
 }
 
 }  // namespace lynd

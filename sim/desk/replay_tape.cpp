@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "sim/desk/replay_answers.h"
 #include "trace/trace_kinds.h"
 
 namespace lynd {
@@ -24,9 +25,11 @@ bool is_answer(const char* kind, const char* key) {
 
 bool is_input(const std::string& kind) { return !trace_kind_is_output(kind); }
 
-// Datagrams are a stream: each is read once. Everything else is a state:
-// asked again, it answers the latest reading.
-bool is_stream(const std::string& kind) { return kind == "nl_recv"; }
+bool is_end(const TraceRecord& r) { return r.kind == "stop" || r.kind == "cut"; }
+
+// An event from outside, which a what-if run injects at its time; the
+// daemon's own timers run on their own schedule.
+bool is_outside(const TraceRecord& r) { return trace_kind_is_dispatch(r.kind.c_str()) && r.kind != "timer"; }
 
 }  // namespace
 
@@ -49,71 +52,59 @@ std::string trace_question(json_object* record) {
     return q;
 }
 
-void ReplayTape::set_what_if() {
-    what_if_ = true;
-    const auto& recs = trace_.records;
-    for (size_t i = 0; i < recs.size(); i++) {
-        const TraceRecord& r = recs[i];
-        if (trace_kind_is_dispatch(r.kind.c_str()) || r.kind == "stop" || r.kind == "cut")
-            continue;
-        if (r.kind == "wall" && wall_base_ms_ == 0 && wall_base_ == 0) {
-            wall_base_ = r.num("s");
-            wall_base_ms_ = r.t;
+std::string trace_record_text(const TraceRecord& r) { return r.text(); }
+
+void ReplayTape::set_what_if(ReplayAnswers* answers, std::function<void(int64_t, const char*, const std::string&)> on_output) {
+    answers_ = answers;
+    on_output_ = std::move(on_output);
+}
+
+int64_t ReplayTape::wall_now() const { return answers_ != nullptr ? answers_->wall_at(now_ms_) : 0; }
+
+bool ReplayTape::load() {
+    if (has_cur_ || ended_)
+        return has_cur_;
+    if (stream_->next(&cur_)) {
+        has_cur_ = true;
+        return true;
+    }
+    ended_ = true;
+    if (damage_.empty())
+        damage_ = stream_->error();
+    return false;
+}
+
+bool ReplayTape::over() { return divergence_.found || stopped_ || !damage_.empty() || !load(); }
+
+const TraceRecord* ReplayTape::peek() {
+    if (what_if() || over())
+        return nullptr;
+    return is_end(cur_) ? nullptr : &cur_;
+}
+
+bool ReplayTape::next_outside(TraceRecord* r) {
+    while (!stopped_ && load()) {
+        has_cur_ = false;
+        if (is_outside(cur_)) {
+            *r = cur_;
+            return true;
         }
-        answers_[trace_question(r.object())].at.push_back(i);
-        r.release();
     }
+    return false;
 }
 
-int64_t ReplayTape::wall_now() const { return wall_base_ + (now_ms_ - wall_base_ms_) / 1000; }
-
-const TraceRecord* ReplayTape::answer(TraceLine& request) {
-    std::string text(request.data(), request.size() - 1);
-    json_object* q = json_tokener_parse(text.c_str());
-    std::string question = q != nullptr ? trace_question(q) : "";
-    json_object_put(q);
-    std::string kind = text.substr(text.find("\"k\":\"") + 5);
-    kind = kind.substr(0, kind.find('"'));
-    if (trace_kind_is_output(kind))
-        outputs_.emplace_back(now_ms_, text);
-    auto it = answers_.find(question);
-    if (it == answers_.end())
-        return nullptr;
-    Answers& a = it->second;
-    const auto& recs = trace_.records;
-    if (is_stream(kind)) {
-        if (a.next >= a.at.size() || recs[a.at[a.next]].t > now_ms_)
-            return nullptr;
-        return &recs[a.at[a.next++]];
-    }
-    while (a.next < a.at.size() && recs[a.at[a.next]].t <= now_ms_)
-        a.next++;
-    return &recs[a.at[a.next > 0 ? a.next - 1 : 0]];
-}
-
-std::string trace_record_text(const TraceRecord& r) { return r.src ? r.src->substr(r.off, r.len) : ""; }
-
-const TraceRecord* ReplayTape::peek() const {
-    if (over())
-        return nullptr;
-    const TraceRecord* r = &trace_.records[pos_];
-    return r->kind == "stop" || r->kind == "cut" ? nullptr : r;
-}
-
-void ReplayTape::advance(const TraceRecord& r) {
-    // The record before the one just taken is done with; a dispatch in
-    // progress holds its own reference.
-    if (pos_ >= 2)
-        trace_.records[pos_ - 2].release();
-    pos_++;
-    now_ms_ = r.t;
-    remember(r);
+void ReplayTape::advance() {
+    last_ = std::move(cur_);
+    has_cur_ = false;
+    taken_++;
+    now_ms_ = last_.t;
+    remember(last_);
 }
 
 void ReplayTape::remember(const TraceRecord& r) {
     if (!is_input(r.kind))
         return;
-    recent_.push_back(trace_record_text(r));
+    recent_.push_back(r.src);
     if (recent_.size() > kRecent)
         recent_.pop_front();
 }
@@ -124,12 +115,13 @@ const TraceRecord* ReplayTape::next() {
         stopped_ = true;
         return nullptr;
     }
-    advance(*r);
-    return r;
+    advance();
+    return &last_;
 }
 
 TraceLine& ReplayTape::begin(const char* kind) {
     line_.begin(now_ms_, kind);
+    line_kind_ = kind;
     return line_;
 }
 
@@ -138,26 +130,46 @@ void ReplayTape::diverge(const std::string& expected, const std::string& actual)
         return;
     divergence_.found = true;
     divergence_.at_ms = now_ms_;
-    divergence_.line = pos_ < trace_.records.size() ? trace_.records[pos_].line : 0;
-    divergence_.part = pos_ < trace_.records.size() ? trace_.records[pos_].part : 1;
+    divergence_.line = has_cur_ ? cur_.line : 0;
+    divergence_.part = has_cur_ ? cur_.part : 1;
     divergence_.expected = expected;
     divergence_.actual = actual;
-    divergence_.before = recent_;
+    for (const auto& b : recent_)
+        divergence_.before.push_back(*b);
 }
 
-const TraceRecord* ReplayTape::take(TraceLine& request) {
-    request.end();
-    if (what_if_)
-        return answer(request);
-    if (over())
-        return nullptr;
+void ReplayTape::refuse(const TraceRecord& r, const std::string& why) {
+    if (damage_.empty())
+        damage_ = trace_line_error(r.line, why) + (r.part > 1 ? " (part " + std::to_string(r.part) + ")" : "");
+}
+
+void ReplayTape::stop_early(const std::string& why) {
+    stopped_ = true;
+    if (early_.empty())
+        early_ = why;
+}
+
+size_t ReplayTape::left_over(std::string* first) {
+    size_t n = 0;
+    first->clear();
+    if (divergence_.found || !damage_.empty())
+        return 0;
+    while (load() && !is_end(cur_)) {
+        if (n++ == 0)
+            *first = cur_.text();
+        has_cur_ = false;
+    }
+    return n;
+}
+
+const TraceRecord* ReplayTape::compare(TraceLine& request) {
     const TraceRecord* r = peek();
-    std::string actual(request.data(), request.size() - 1);
     if (r == nullptr) {
         // A trace cut short (or a "cut" record): nothing more to compare.
         stopped_ = true;
         return nullptr;
     }
+    std::string actual(request.data(), request.size() - 1);
     json_object* want = json_tokener_parse(actual.c_str());
     bool same = want != nullptr;
     if (same) {
@@ -176,8 +188,17 @@ const TraceRecord* ReplayTape::take(TraceLine& request) {
         diverge(trace_record_text(*r), actual);
         return nullptr;
     }
-    advance(*r);
-    return r;
+    advance();
+    return &last_;
+}
+
+const TraceRecord* ReplayTape::take(TraceLine& request) {
+    request.end();
+    if (!what_if())
+        return compare(request);
+    if (trace_kind_is_output(line_kind_) && on_output_)
+        on_output_(now_ms_, line_kind_, std::string(request.data(), request.size() - 1));
+    return answers_->answer(request, line_kind_, now_ms_);
 }
 
 }  // namespace lynd

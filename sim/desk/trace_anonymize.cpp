@@ -192,13 +192,16 @@ std::string hex_of(const std::string& b) {
 
 void learn_record(const TraceRecord& r, Anonymizer* a) {
     int64_t table_type = r.num("type");
-    json_object_object_foreach(r.object(), key, val) {
+    json_object* in = r.object();
+    if (in == nullptr)
+        return;
+    json_object_object_foreach(in, key, val) {
         if (!json_object_is_type(val, json_type_string)) {
             a->learn_text(json_object_to_json_string(val));
             continue;
         }
         std::string s = json_object_get_string(val), b;
-        if (hex_field(r.kind, key) && trace_unhex(s.data(), s.size(), &b))
+        if (hex_field(r.kind, key) && trace_unhex(s.data(), s.size(), &b, TRACE_FIELD_MAX))
             a->learn_bytes(r.kind, key, b, table_type);
         else
             a->learn_text(s);
@@ -209,8 +212,11 @@ void learn_record(const TraceRecord& r, Anonymizer* a) {
 }
 
 std::string rewrite_record(const TraceRecord& r, const Anonymizer& a) {
+    json_object* in = r.object();
+    if (in == nullptr)
+        return "";  // read whole before: never so; and never a line with its addresses
     json_object* out = json_object_new_object();
-    json_object_object_foreach(r.object(), key, val) {
+    json_object_object_foreach(in, key, val) {
         std::string s = json_object_is_type(val, json_type_string) ? json_object_get_string(val) : "", b;
         if (json_object_is_type(val, json_type_string) && hex_field(r.kind, key) && trace_unhex(s.data(), s.size(), &b))
             json_object_object_add(out, key, json_object_new_string(hex_of(a.bytes(b)).c_str()));
@@ -224,29 +230,39 @@ std::string rewrite_record(const TraceRecord& r, const Anonymizer& a) {
 
 }  // namespace
 
-bool trace_anonymize(const std::string& in, std::string* out, std::string* error) {
-    Trace trace;
-    if (!trace_parse(in.data(), in.size(), &trace, error))
-        return false;
-    // The header is the first line: its text is read as one record too.
-    TraceRecord header;
-    header.src = trace.records.empty() ? std::make_shared<const std::string>(in) : trace.records[0].src;
-    header.off = 0;
-    header.len = in.find('\n');
-    header.kind = "header";
+bool trace_anonymize(const TraceSource& source, const std::function<bool(const std::string&)>& write,
+                     std::string* error) {
     Anonymizer a;
-    learn_record(header, &a);
-    for (const auto& r : trace.records) {
+    TraceStream learn(source, true);
+    if (!learn.open()) {
+        *error = learn.error();
+        return false;
+    }
+    learn_record(learn.header_record(), &a);
+    TraceRecord r;
+    while (learn.next(&r))
         learn_record(r, &a);
-        r.release();
+    *error = learn.error();
+    if (!error->empty())
+        return false;
+    TraceStream again(source, false);
+    if (!again.open()) {
+        *error = again.error();
+        return false;
     }
+    bool ok = write(rewrite_record(again.header_record(), a));
+    while (ok && again.next(&r))
+        ok = write(rewrite_record(r, a));
+    *error = !again.error().empty() ? again.error() : ok ? "" : "cannot write the anonymized trace";
+    return error->empty();
+}
+
+bool trace_anonymize(const std::string& in, std::string* out, std::string* error) {
     out->clear();
-    *out += rewrite_record(header, a);
-    for (const auto& r : trace.records) {
-        *out += rewrite_record(r, a);
-        r.release();
-    }
-    return true;
+    return trace_anonymize(trace_text(in), [out](const std::string& line) {
+        *out += line;
+        return true;
+    }, error);
 }
 
 }  // namespace lynd

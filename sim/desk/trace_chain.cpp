@@ -24,44 +24,50 @@ std::string trace_chain_missing_start(const std::string& name, int part) {
            "larger \"record_size\" (or \"size\" of ubus call lynd record)\n";
 }
 
+std::string trace_chain_headers(const std::vector<TraceHeader>& headers, const std::vector<std::string>& names) {
+    if (headers.empty())
+        return "no trace given\n";
+    for (size_t i = 1; i < headers.size() && headers[0].part != 1; i++) {
+        if (headers[i].part == 1)
+            return "the parts are out of sequence: " + name_of(names, i) + " is part 1 and " + name_of(names, 0) +
+                   " part " + std::to_string(headers[0].part) + "; give them in order, part 1 first\n";
+    }
+    if (headers[0].part != 1)
+        return trace_chain_missing_start(name_of(names, 0), headers[0].part);
+    for (size_t i = 1; i < headers.size(); i++) {
+        const TraceHeader& prev = headers[i - 1];
+        const TraceHeader& h = headers[i];
+        std::string what = name_of(names, i) + " does not go on from " + name_of(names, i - 1) + ": ";
+        if (!same_recording(prev, h))
+            return what + "it is of another recording (its daemon, command line, configuration or start differ)\n";
+        if (h.part != prev.part + 1)
+            return what + "part " + std::to_string(h.part) + " after part " + std::to_string(prev.part) +
+                   "; give the parts in order, with none left out\n";
+    }
+    return "";
+}
+
+std::string trace_chain_junction(const std::vector<std::string>& names, size_t i, int64_t last_t, int64_t first_t) {
+    if (first_t >= last_t)
+        return "";
+    return name_of(names, i) + " does not go on from " + name_of(names, i - 1) + ": its first record (" +
+           std::to_string(first_t) + " ms) is older than the last one before (" + std::to_string(last_t) + " ms)\n";
+}
+
 bool trace_chain(std::vector<Trace> parts, const std::vector<std::string>& names, Trace* out, std::string* error) {
     *out = Trace{};
-    if (parts.empty()) {
-        *error = "no trace given\n";
-        return false;
-    }
-    for (size_t i = 1; i < parts.size() && parts[0].header.part != 1; i++) {
-        if (parts[i].header.part == 1) {
-            *error = "the parts are out of sequence: " + name_of(names, i) + " is part 1 and " + name_of(names, 0) +
-                     " part " + std::to_string(parts[0].header.part) + "; give them in order, part 1 first\n";
-            return false;
-        }
-    }
-    if (parts[0].header.part != 1) {
-        *error = trace_chain_missing_start(name_of(names, 0), parts[0].header.part);
-        return false;
-    }
-    for (size_t i = 1; i < parts.size(); i++) {
-        const TraceHeader& prev = parts[i - 1].header;
-        const TraceHeader& h = parts[i].header;
-        std::string what = name_of(names, i) + " does not go on from " + name_of(names, i - 1) + ": ";
-        if (!same_recording(prev, h)) {
-            *error = what + "it is of another recording (its daemon, command line, configuration or start differ)\n";
-            return false;
-        }
-        if (h.part != prev.part + 1) {
-            *error = what + "part " + std::to_string(h.part) + " after part " + std::to_string(prev.part) +
-                     "; give the parts in order, with none left out\n";
-            return false;
-        }
+    std::vector<TraceHeader> headers;
+    for (const auto& p : parts)
+        headers.push_back(p.header);
+    *error = trace_chain_headers(headers, names);
+    for (size_t i = 1; i < parts.size() && error->empty(); i++) {
         const auto& before = parts[i - 1].records;
         const auto& now = parts[i].records;
-        if (!before.empty() && !now.empty() && now.front().t < before.back().t) {
-            *error = what + "its first record (" + std::to_string(now.front().t) + " ms) is older than the last one before (" +
-                     std::to_string(before.back().t) + " ms)\n";
-            return false;
-        }
+        if (!before.empty() && !now.empty())
+            *error = trace_chain_junction(names, i, before.back().t, now.front().t);
     }
+    if (!error->empty())
+        return false;
     out->header = parts[0].header;
     for (auto& p : parts)
         for (auto& r : p.records)

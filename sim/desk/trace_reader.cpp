@@ -9,11 +9,8 @@ namespace lynd {
 
 namespace {
 
-// No recorded buffer is near this; a longer run is a damaged trace.
-constexpr size_t kMaxZeroRun = 16 * 1024 * 1024;
-
 bool fail(std::string* error, int line, const std::string& why) {
-    *error = "line " + std::to_string(line) + ": " + why;
+    *error = trace_line_error(line, why);
     return false;
 }
 
@@ -30,7 +27,80 @@ json_object* parse_line(const char* p, size_t n) {
     return nullptr;
 }
 
-bool read_header(const TraceRecord& r, TraceHeader* h, std::string* error) {
+// The head the recorder writes, {"t":T,"k":"KIND", read without a parser.
+bool read_head(const char* p, size_t n, int64_t* t, std::string* kind) {
+    static const char kT[] = "{\"t\":";
+    static const char kK[] = ",\"k\":\"";
+    size_t i = sizeof kT - 1;
+    if (n < i || std::memcmp(p, kT, i) != 0)
+        return false;
+    int64_t v = 0;
+    size_t digits = 0;
+    for (; i < n && p[i] >= '0' && p[i] <= '9' && digits < 15; i++, digits++)
+        v = v * 10 + (p[i] - '0');
+    if (digits == 0 || (digits > 1 && p[i - digits] == '0') || n - i < sizeof kK - 1 ||
+        std::memcmp(p + i, kK, sizeof kK - 1) != 0)
+        return false;
+    i += sizeof kK - 1;
+    const void* q = std::memchr(p + i, '"', n - i);
+    if (q == nullptr)
+        return false;
+    size_t end = static_cast<size_t>(static_cast<const char*>(q) - p);
+    kind->assign(p + i, end - i);
+    *t = v;
+    return kind->find('\\') == std::string::npos;
+}
+
+bool read_parsed(const char* p, size_t n, int line, TraceRecord* r, std::string* error) {
+    json_object* o = parse_line(p, n);
+    if (o == nullptr)
+        return fail(error, line, "not a JSON object");
+    r->obj.reset(o, json_object_put);
+    json_object* t = r->get("t");
+    json_object* k = r->get("k");
+    if (t == nullptr || !json_object_is_type(t, json_type_int) || k == nullptr ||
+        !json_object_is_type(k, json_type_string))
+        return fail(error, line, "a record needs a time \"t\" and a type \"k\"");
+    r->t = json_object_get_int64(t);
+    r->kind = json_object_get_string(k);
+    return true;
+}
+
+// A zero run's count; a run longer than any field is damage.
+bool zero_run(const char* hex, size_t len, size_t* i, size_t* run) {
+    size_t j = *i + 1;
+    *run = 0;
+    for (; j < len && hex[j] >= '0' && hex[j] <= '9'; j++)
+        if (*run <= TRACE_FIELD_MAX)
+            *run = *run * 10 + static_cast<size_t>(hex[j] - '0');
+    if (j == *i + 1 || j >= len || hex[j] != '.' || *run > TRACE_FIELD_MAX)
+        return false;
+    *i = j + 1;
+    return true;
+}
+
+}  // namespace
+
+std::string trace_line_error(int line, const std::string& why) { return "line " + std::to_string(line) + ": " + why; }
+
+bool trace_read_record(const char* p, size_t n, int line, bool parse, TraceRecord* r, std::string* error) {
+    *r = TraceRecord{};
+    r->line = line;
+    r->src = std::make_shared<const std::string>(p, n);
+    if (parse || !read_head(p, n, &r->t, &r->kind)) {
+        if (!read_parsed(r->src->data(), n, line, r, error))
+            return false;
+    }
+    if (r->t < 0 || r->t > TRACE_TIME_MAX)
+        return fail(error, line, "time " + std::to_string(r->t) + " ms out of range (0 to " +
+                                     std::to_string(TRACE_TIME_MAX) + ")");
+    if (!trace_kind_is_known(r->kind.c_str()))
+        return fail(error, line, "unknown record type \"" + r->kind + "\"");
+    return true;
+}
+
+bool trace_read_header(const TraceRecord& r, TraceHeader* h, std::string* error) {
+    *h = TraceHeader{};
     if (r.kind != "header" || r.get("lynd_trace") == nullptr)
         return fail(error, r.line, "not a lynd trace (no header)");
     h->version = static_cast<int>(r.num("lynd_trace"));
@@ -42,11 +112,12 @@ bool read_header(const TraceRecord& r, TraceHeader* h, std::string* error) {
     h->host_order = r.str("host_order");
     h->word_bits = static_cast<int>(r.num("word_bits"));
     h->start = r.str("start");
-    h->part = static_cast<int>(r.num("part", 1));
+    int64_t part = r.num("part", 1);
+    h->part = part < 0 ? 0 : part > 1000000 ? 1000000 : static_cast<int>(part);
     h->began = r.num("began");
     if (h->part < 1)
-        return fail(error, r.line, "part " + std::to_string(h->part) + " (parts count from 1)");
-    h->config = r.text("config");
+        return fail(error, r.line, "part " + std::to_string(part) + " (parts count from 1)");
+    h->config = r.text("config", TRACE_LINE_MAX);
     json_object* args = r.get("args");
     if (args == nullptr || !json_object_is_type(args, json_type_array))
         return fail(error, r.line, "header has no argument list");
@@ -55,30 +126,15 @@ bool read_header(const TraceRecord& r, TraceHeader* h, std::string* error) {
     return true;
 }
 
-bool read_record(const char* p, size_t n, int line, TraceRecord* r, std::string* error) {
-    json_object* o = parse_line(p, n);
-    if (o == nullptr)
-        return fail(error, line, "not a JSON object");
-    r->line = line;
-    r->obj.reset(o, json_object_put);
-    json_object* t = r->get("t");
-    json_object* k = r->get("k");
-    if (t == nullptr || !json_object_is_type(t, json_type_int) || k == nullptr ||
-        !json_object_is_type(k, json_type_string))
-        return fail(error, line, "a record needs a time \"t\" and a type \"k\"");
-    r->t = json_object_get_int64(t);
-    r->kind = json_object_get_string(k);
-    if (!trace_kind_is_known(r->kind.c_str()))
-        return fail(error, line, "unknown record type \"" + r->kind + "\"");
-    return true;
-}
-
-}  // namespace
-
 json_object* TraceRecord::object() const {
     if (!obj && src)
-        obj.reset(parse_line(src->data() + off, len), json_object_put);
+        obj.reset(parse_line(src->data(), src->size()), json_object_put);
     return obj.get();
+}
+
+const std::string& TraceRecord::text() const {
+    static const std::string none;
+    return src ? *src : none;
 }
 
 json_object* TraceRecord::get(const char* key) const {
@@ -97,79 +153,43 @@ std::string TraceRecord::str(const char* key) const {
     return v != nullptr && json_object_is_type(v, json_type_string) ? json_object_get_string(v) : "";
 }
 
-std::string TraceRecord::bytes(const char* key) const {
-    std::string s = str(key), out;
-    return trace_unhex(s.data(), s.size(), &out) ? out : std::string();
+std::string TraceRecord::bytes(const char* key, size_t max) const {
+    json_object* v = get(key);
+    if (v == nullptr || !json_object_is_type(v, json_type_string))
+        return "";
+    std::string out;
+    const char* s = json_object_get_string(v);
+    return trace_unhex(s, static_cast<size_t>(json_object_get_string_len(v)), &out, max) ? out : std::string();
 }
 
-std::string TraceRecord::text(const char* key) const {
-    if (get(key) != nullptr)
-        return str(key);
-    return bytes((std::string(key) + "_x").c_str());
+std::string TraceRecord::text(const char* key, size_t max) const {
+    if (get(key) == nullptr)
+        return bytes((std::string(key) + "_x").c_str(), max);
+    std::string s = str(key);
+    if (s.size() > max)
+        s.resize(max);
+    return s;
 }
 
-bool trace_unhex(const char* hex, size_t len, std::string* out) {
+bool trace_unhex(const char* hex, size_t len, std::string* out, size_t max) {
     out->clear();
     for (size_t i = 0; i < len;) {
         if (hex[i] == 'z') {
-            size_t run = 0, j = i + 1;
-            while (j < len && hex[j] >= '0' && hex[j] <= '9' && run < kMaxZeroRun)
-                run = run * 10 + static_cast<size_t>(hex[j++] - '0');
-            if (j == i + 1 || j >= len || hex[j] != '.' || run > kMaxZeroRun)
+            size_t run = 0;
+            if (!zero_run(hex, len, &i, &run))
                 return false;
-            out->append(run, '\0');
-            i = j + 1;
+            size_t room = max - out->size();
+            out->append(run < room ? run : room, '\0');
             continue;
         }
         int hi = i + 1 < len ? lynd_hex_digit(hex[i]) : -1;
         int lo = i + 1 < len ? lynd_hex_digit(hex[i + 1]) : -1;
         if (hi < 0 || lo < 0)
             return false;
-        out->push_back(static_cast<char>(hi * 16 + lo));
+        if (out->size() < max)
+            out->push_back(static_cast<char>(hi * 16 + lo));
         i += 2;
     }
-    return true;
-}
-
-bool trace_parse(const char* text_in, size_t len, Trace* out, std::string* error) {
-    *out = Trace{};
-    auto src = std::make_shared<const std::string>(text_in, len);
-    const char* text = src->data();
-    size_t pos = 0;
-    int line = 0;
-    int64_t last_t = INT64_MIN;
-    while (pos < len) {
-        line++;
-        const char* start = text + pos;
-        const void* nl = std::memchr(start, '\n', len - pos);
-        if (nl == nullptr)
-            return fail(error, line, "truncated record (no end of line)");
-        size_t n = static_cast<size_t>(static_cast<const char*>(nl) - start);
-        pos += n + 1;
-        TraceRecord r;
-        if (!read_record(start, n, line, &r, error))
-            return false;
-        if (line == 1) {
-            if (!read_header(r, &out->header, error))
-                return false;
-            continue;
-        }
-        if (r.kind == "header")
-            return fail(error, line, "a second header");
-        r.part = out->header.part;
-        r.src = src;
-        r.off = static_cast<size_t>(start - text);
-        r.len = n;
-        r.release();
-        if (r.t < last_t)
-            return fail(error, line,
-                        "record out of order (at " + std::to_string(r.t) + " ms after " + std::to_string(last_t) +
-                            " ms)");
-        last_t = r.t;
-        out->records.push_back(std::move(r));
-    }
-    if (line == 0)
-        return fail(error, 1, "empty trace");
     return true;
 }
 

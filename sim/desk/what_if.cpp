@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cinttypes>
 #include <cstdio>
+#include <cstring>
 #include <map>
 #include <tuple>
 
@@ -15,6 +16,8 @@ namespace lynd {
 namespace {
 
 constexpr size_t kMaxListed = 200;
+// Far above a real day's; a flapping daemon on a hostile trace stops here.
+constexpr size_t kMaxDecisions = 200000;
 
 std::string mac_text(const std::string& bytes) {
     char b[18] = {};
@@ -88,21 +91,6 @@ Totals totals_of(const std::vector<Decision>& ds, int64_t end_ms) {
     return t;
 }
 
-// Only changes count: a path assessed NORMAL every period is one state.
-std::vector<Decision> changes_only(const std::vector<Decision>& ds) {
-    std::map<std::pair<std::string, std::string>, std::string> last;
-    std::vector<Decision> out;
-    for (const auto& d : ds) {
-        auto key = std::make_pair(d.what, d.subject);
-        auto it = last.find(key);
-        if (it != last.end() && it->second == d.value)
-            continue;
-        last[key] = d.value;
-        out.push_back(d);
-    }
-    return out;
-}
-
 }  // namespace
 
 bool Decision::operator<(const Decision& o) const {
@@ -121,13 +109,35 @@ bool decision_of(int64_t at_ms, const std::string& record, Decision* out) {
     return ok;
 }
 
-std::vector<Decision> decisions_of(const std::vector<std::pair<int64_t, std::string>>& outputs) {
-    std::vector<Decision> out;
+bool DecisionLog::room() {
+    if (outputs_.size() + states_.size() < kMaxDecisions)
+        return true;
+    dropped_++;
+    return false;
+}
+
+// Only changes count: a broadcast port written again with the same port is one.
+void DecisionLog::output(int64_t at_ms, const char* kind, const std::string& record) {
     Decision d;
-    for (const auto& o : outputs)
-        if (decision_of(o.first, o.second, &d))
-            out.push_back(d);
-    return changes_only(out);
+    if ((std::strcmp(kind, "krel") != 0 && std::strcmp(kind, "write") != 0) || !decision_of(at_ms, record, &d))
+        return;
+    auto key = std::make_pair(d.what, d.subject);
+    auto it = last_.find(key);
+    if ((it != last_.end() && it->second == d.value) || !room())
+        return;
+    last_[key] = d.value;
+    outputs_.push_back(d);
+}
+
+void DecisionLog::state(const Decision& d) {
+    if (room())
+        states_.push_back(d);
+}
+
+std::vector<Decision> DecisionLog::all() const {
+    std::vector<Decision> ds = outputs_;
+    ds.insert(ds.end(), states_.begin(), states_.end());
+    return ds;
 }
 
 std::string what_if_report(const std::vector<Decision>& base, const std::vector<Decision>& other, int64_t end_ms) {

@@ -3,6 +3,7 @@
 // how two runs' decisions differ.
 #pragma once
 #include <cstdint>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,7 +23,25 @@ struct Decision {
 
 // One output record's decision, if it is one.
 bool decision_of(int64_t at_ms, const std::string& record, Decision* out);
-std::vector<Decision> decisions_of(const std::vector<std::pair<int64_t, std::string>>& outputs);
+
+// A run's decisions as its outputs come: only changes of what its outputs
+// decide, and every path state it tells; at most a bound of them all.
+class DecisionLog {
+public:
+    void output(int64_t at_ms, const char* kind, const std::string& record);
+    void state(const Decision& d);
+    // The outputs' decisions, then the states.
+    std::vector<Decision> all() const;
+    size_t dropped() const { return dropped_; }
+
+private:
+    bool room();
+
+    std::vector<Decision> outputs_;
+    std::vector<Decision> states_;
+    std::map<std::pair<std::string, std::string>, std::string> last_;
+    size_t dropped_ = 0;
+};
 // The differences as a timeline and the totals of each run.
 std::string what_if_report(const std::vector<Decision>& base, const std::vector<Decision>& other, int64_t end_ms);
 
