@@ -105,8 +105,12 @@ TEST_F(LyndMainTest, DisabledConfigurationExitsZeroBeforeAnythingStarts) {
         EXPECT_EQ(0, run({}, two_modules));
         EXPECT_TRUE(host.logged("] lynd disabled"));
     }
-    host.set_file("/etc/lynd.json", "{}");
-    EXPECT_EQ(0, run({}, two_modules));
+    // Valid JSON of another kind has no "enable" either.
+    for (const char* text : {"[1, 2]", "7", "\"x\"", "{}"}) {
+        host.set_file("/etc/lynd.json", text);
+        EXPECT_EQ(0, run({}, two_modules)) << text;
+        EXPECT_FALSE(host.logged("<LYND_FATAL>")) << text;
+    }
     EXPECT_TRUE(g_trail.empty());
     EXPECT_EQ(0, loop.init_count());
     EXPECT_TRUE(bridge.calls().empty());
