@@ -85,7 +85,7 @@ TEST_F(LyndMainTest, StartsInTableOrderAndStopsNewestFirstAfterTheBridges) {
     EXPECT_EQ(1, bus.free_count());
     EXPECT_EQ((std::vector<std::string>{"bridgeStopAPS br-lan", "bridgeStopAPS br-guest"}),
               bridge.calls_matching("bridgeStopAPS"));
-    EXPECT_TRUE(host.logged("<LYND_WARN>[start_modules, "));
+    EXPECT_TRUE(host.logged("<LYND_WARN>[main, "));
     EXPECT_TRUE(host.logged("] Path Selection initialized"));
     EXPECT_EQ(nullptr, l_ev);
 }
