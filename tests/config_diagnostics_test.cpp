@@ -44,7 +44,7 @@ TEST_F(ConfigDiagnosticsTest, EveryRefusedFileSaysWhereAndWhy) {
         {"/empty.json", "", "line 1, column 1: the file is empty"},
         {"/cut.json", "{\n  \"enable\": true,\n  \"bridges\": ", "line 3, column 14: unexpected end of data"},
         {"/text.json", "enable=1", "line 1, column 1: unexpected character"},
-        {"/null.json", "null", "file: the top level is null, not an object"},
+        {"/null.json", "null\n", "file: the top level is null, not an object"},
         {"/deep.json", std::string(40, '[') + std::string(40, ']'), "line 1, column 33: nesting too deep"},
         {"/big.json", std::string(LYND_CONFIG_MAX_SIZE + 100, ' '),
          "file: 262244 bytes; a configuration must be under 262144 (256 KiB)"},

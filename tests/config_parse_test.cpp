@@ -116,7 +116,7 @@ TEST_F(ConfigParseTest, BadDocumentsAndSectionsNeverCrash) {
 // A document or a "param" that is valid JSON of another kind has no members:
 // every lookup fails, so the daemon is off and every parameter its default.
 TEST_F(ConfigParseTest, ValuesOfAnotherKindReadAsHavingNoMembers) {
-    for (const char* top : {"[1, 2]", "7", "\"x\"", "true"}) {
+    for (const char* top : {"[1, 2]", "7\n", "\"x\"", "true\n"}) {
         conf.enable = true;
         EXPECT_EQ(config_parse_result::OK, parse(top)) << top;
         EXPECT_FALSE(conf.enable) << top;

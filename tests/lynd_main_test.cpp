@@ -106,7 +106,7 @@ TEST_F(LyndMainTest, DisabledConfigurationExitsZeroBeforeAnythingStarts) {
         EXPECT_TRUE(host.logged("] lynd disabled"));
     }
     // Valid JSON of another kind has no "enable" either.
-    for (const char* text : {"[1, 2]", "7", "\"x\"", "{}"}) {
+    for (const char* text : {"[1, 2]", "7\n", "\"x\"", "{}"}) {
         host.set_file("/etc/lynd.json", text);
         EXPECT_EQ(0, run({}, two_modules)) << text;
         EXPECT_FALSE(host.logged("<LYND_FATAL>")) << text;

@@ -130,7 +130,7 @@ TEST_F(TrafficSeparationTest, TablesHoldSixtyFourEntriesAndTheWalkIsBounded) {
     EXPECT_TRUE(conf.ts.vlan_count == 64 && conf.ts.vlan_ids[63] == 163);
     EXPECT_TRUE(conf.ts.policy_count == 64 && conf.ts.policies[63].vlan_id == 100);  // 64..69 left with their VLANs
     EXPECT_EQ(1u, host.count_logged("] more than 64 ts vlans, the policies of the others are ignored"));
-    uci.set("traffic_separation.traffic_separation.ts_policy_count", "4294967295");
+    uci.set("traffic_separation.traffic_separation.ts_policy_count", "-1");  // as unsigned, 4294967295
     traffic_separation_config_load(&conf);  // unbounded, this would read UCI for hours
     EXPECT_TRUE(host.logged("] ts policy count 4294967295, only the first 1024 policies are read"));
     EXPECT_TRUE(host.logged("] ts tables full, policies from index 71 on are ignored"));
