@@ -104,13 +104,39 @@ TEST_F(ConfigParseTest, LongNamesAreCutAndLookupFindsTheFirstOfTwins) {
 }
 
 TEST_F(ConfigParseTest, BadDocumentsAndSectionsNeverCrash) {
-    for (std::string text : {"", "{\"enable\": ", "[1, 2]", "null"})
+    for (std::string text : {"", "{\"enable\": ", "null"})
         EXPECT_EQ(config_parse_result::BAD_JSON, parse(text)) << text;
     EXPECT_EQ(config_parse_result::BAD_JSON, parse(std::string(40, '[') + std::string(40, ']')));
     ASSERT_EQ(config_parse_result::OK, parse(R"({"enable": 1, "bridges": 5, "interfaces": "eth0", "param": [1]})"));
     EXPECT_TRUE(conf.enable);
-    EXPECT_EQ(0u, conf.param.high_threshold);
-    EXPECT_EQ(3u, host.count_logged("is not an object, ignored"));
+    EXPECT_EQ(70u, conf.param.high_threshold);
+    EXPECT_EQ(2u, host.count_logged("is not an object, ignored"));
+}
+
+// A document or a "param" that is valid JSON of another kind has no members:
+// every lookup fails, so the daemon is off and every parameter its default.
+TEST_F(ConfigParseTest, ValuesOfAnotherKindReadAsHavingNoMembers) {
+    for (const char* top : {"[1, 2]", "7\n", "\"x\"", "true\n"}) {
+        conf.enable = true;
+        EXPECT_EQ(config_parse_result::OK, parse(top)) << top;
+        EXPECT_FALSE(conf.enable) << top;
+    }
+    g_lynd_dgb_lvl = LYND_LVL_ERR;
+    for (const char* param : {"null", "[]", "[60]", "\"x\"", "5"}) {
+        ASSERT_EQ(config_parse_result::OK,
+                  parse(std::string(R"({"enable": true, "interfaces": {"ath1x": {"type": "5g", "exchange": 3}},)") +
+                        R"("param": )" + param + "}"))
+            << param;
+        const conf_param& p = conf.param;
+        EXPECT_TRUE(p.low_threshold == 60 && p.high_threshold == 70 && p.busy_count_threshold == 3 &&
+                    p.handle_count == 1 && p.idle_threshold == 10 && p.activate_pkts == 1)
+            << param;
+        EXPECT_TRUE(p.exchange_vid[2] == 50 && p.weaklink_threshold_rssi[1] == -85 && p.weaklink_threshold_rate[2] == 100)
+            << param;
+        ASSERT_EQ(1u, conf.n_interfaces) << param;
+        EXPECT_STREQ("ath150", iface(0).name) << param;
+    }
+    EXPECT_TRUE(host.console_lines().empty());  // no ERR at the default level
 }
 
 // The configuration the package installs must load as it stands.

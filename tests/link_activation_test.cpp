@@ -27,7 +27,9 @@ TEST_F(LinkActivationTest, FailedSendsAreTriedExactlyThreeTimes) {
     g_lynd_dgb_lvl = LYND_LVL_DEBUG;
     EXPECT_EQ(1, lynd_activate_link("ath9", peer));  // unknown interface: zero source
     EXPECT_EQ(3u, host.frames().size());
-    EXPECT_EQ(3u, host.count_logged("] send dummy packet, ifname: ath9, if_mac: 00-00 len: -11"));
+    EXPECT_EQ(3u, host.count_logged("] send dummy packet, ifname: ath9, if_mac: 00-00 len: -1"));
+    EXPECT_EQ(0u, host.count_logged("len: -11"));  // the send result, not -errno
+    EXPECT_EQ(3u, host.count_logged("] send dummy packet on ath9: Resource temporarily unavailable"));
     host.set_packet_socket_error(1);
     EXPECT_EQ(0, lynd_activate_link("ath02", peer));
     EXPECT_TRUE(host.logged("] create socket failed"));

@@ -85,7 +85,7 @@ TEST_F(LyndMainTest, StartsInTableOrderAndStopsNewestFirstAfterTheBridges) {
     EXPECT_EQ(1, bus.free_count());
     EXPECT_EQ((std::vector<std::string>{"bridgeStopAPS br-lan", "bridgeStopAPS br-guest"}),
               bridge.calls_matching("bridgeStopAPS"));
-    EXPECT_TRUE(host.logged("<LYND_WARN>[start_modules, "));
+    EXPECT_TRUE(host.logged("<LYND_WARN>[main, "));
     EXPECT_TRUE(host.logged("] Path Selection initialized"));
     EXPECT_EQ(nullptr, l_ev);
 }
@@ -105,8 +105,12 @@ TEST_F(LyndMainTest, DisabledConfigurationExitsZeroBeforeAnythingStarts) {
         EXPECT_EQ(0, run({}, two_modules));
         EXPECT_TRUE(host.logged("] lynd disabled"));
     }
-    host.set_file("/etc/lynd.json", "{}");
-    EXPECT_EQ(0, run({}, two_modules));
+    // Valid JSON of another kind has no "enable" either.
+    for (const char* text : {"[1, 2]", "7\n", "\"x\"", "{}"}) {
+        host.set_file("/etc/lynd.json", text);
+        EXPECT_EQ(0, run({}, two_modules)) << text;
+        EXPECT_FALSE(host.logged("<LYND_FATAL>")) << text;
+    }
     EXPECT_TRUE(g_trail.empty());
     EXPECT_EQ(0, loop.init_count());
     EXPECT_TRUE(bridge.calls().empty());

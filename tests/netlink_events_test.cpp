@@ -181,6 +181,15 @@ TEST_F(NetlinkEventsTest, SocketFailuresAreFatal) {
         },
         ::testing::ExitedWithCode(1), "Fatal\\(Protocol not supported\\): socket");
     host.set_nl_socket_error(0, 0);
+    host.set_nl_bind_error(0, EADDRINUSE);  // the wireless socket's line names its init
+    EXPECT_EXIT(
+        {
+            host.set_echo(true);
+            event_init(&conf.ev);
+        },
+        ::testing::ExitedWithCode(1),
+        "<LYND_FATAL>\\[event_wifi_init, [0-9]+\\] Fatal\\(Address already in use\\): bind");
+    host.set_nl_bind_error(0, 0);
     event_init(&conf.ev);
 }
 

@@ -37,7 +37,7 @@ TEST_F(OptionsTest, LevelLineOnlyAboveThree) {
     parse({"-l", "3"});
     EXPECT_FALSE(host.logged("g_lynd_dgb_lvl="));
     parse({"-l", "4"});
-    EXPECT_TRUE(host.logged("<LYND_LOG>[lynd_parse_options, "));
+    EXPECT_TRUE(host.logged("<LYND_LOG>[main, "));
     EXPECT_TRUE(host.logged("] g_lynd_dgb_lvl=4!"));
 }
 

@@ -49,6 +49,42 @@ TEST_F(PathRatingTest, AWeakeningLinkTakesTwoVerdictsHoldsAndRecoversInOne) {
     EXPECT_EQ(PATH_NORMAL, period(-84, 100));    // fast enough: rated by its traffic
 }
 
+// Rates compare as unsigned: a negative rate threshold read from the file
+// is larger than every rate, so every rate is under it.
+TEST_F(PathRatingTest, RateThresholdsCompareUnsigned) {
+    struct Case {
+        int32_t weak_rate;
+        int16_t rssi;
+        uint16_t rate;
+        uint8_t after_two;
+    };
+    const Case cases[] = {
+        {-1, -88, 60000, PATH_WEAKLINK},  {-100, -88, 50, PATH_WEAKLINK}, {-1, -75, 1000, PATH_NORMAL},
+        {-1, -70, 65535, PATH_NORMAL},    {100, -88, 100, PATH_NORMAL},   {100, -88, 99, PATH_WEAKLINK},
+        {0, -88, 0, PATH_ABNORMAL},  // not weak: nothing is under 0, but both rates are at the floor
+    };
+    for (const Case& c : cases) {
+        hc_path& p = hc_paths[IF_TYPE_5G];
+        p.state = PATH_NORMAL;
+        p.weak_count = 0;
+        p.abnormal_count = 0;
+        p.path_history = sample_ring{};
+        p.weaklink_threshold_rate = c.weak_rate;
+        p.abnormal_threshold_txrate = 0;
+        p.abnormal_threshold_rxrate = 0;
+        period(c.rssi, c.rate);
+        EXPECT_EQ(c.after_two, period(c.rssi, c.rate)) << c.weak_rate << " " << c.rssi << " " << c.rate;
+    }
+    // A negative abnormal threshold: both rates are always at or under it.
+    hc_path& p = hc_paths[IF_TYPE_5G];
+    p.state = PATH_NORMAL;
+    p.weaklink_threshold_rate = 100;
+    p.abnormal_threshold_txrate = static_cast<uint32_t>(-1);
+    p.abnormal_threshold_rxrate = static_cast<uint32_t>(-1);
+    period(-60, 65535);
+    EXPECT_EQ(PATH_ABNORMAL, period(-60, 65535));
+}
+
 TEST_F(PathRatingTest, AStalledCounterMakesWeakAbnormalAndFlowingBytesUndoIt) {
     period(-88, 50);
     period(-88, 50);

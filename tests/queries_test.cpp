@@ -122,12 +122,12 @@ TEST_F(UciQueryTest, PathIsCutAt64Characters) {
 TEST_F(UciQueryTest, BadInputAndContextFailureAreLogged) {
     char value[8] = {};
     EXPECT_FALSE(lynd_uci_get_value(nullptr, value, sizeof value));
-    EXPECT_TRUE(host.logged("] invalid input ..."));
+    EXPECT_TRUE(host.logged("] invalid input ...\n"));
     uci.set("a.b.c", "v");
     uci.set_context_failure(true);
     EXPECT_FALSE(lynd_uci_get_value("a.b.c", value, sizeof value));
     EXPECT_TRUE(host.logged("<LYND_ERR>[lynd_uci_get_value, "));
-    EXPECT_TRUE(host.logged("] uci_alloc_context failed..."));
+    EXPECT_TRUE(host.logged("] uci_alloc_context failed...\n"));
 }
 
 }  // namespace

@@ -80,13 +80,14 @@ TEST_F(TrafficSeparationTest, SsidsAreDataAndAnUnreadableOneLeavesTheVapOut) {
     EXPECT_TRUE(host.runs().empty());
 }
 
-TEST_F(TrafficSeparationTest, TurningItOffOnReloadClearsEverythingBeforeTheModulesHear) {
+// Switched off, only enable goes false: the block keeps what was read (the
+// dump and loop avoidance's primary VLAN rule see it); the VLAN records go.
+TEST_F(TrafficSeparationTest, TurningItOffKeepsTheBlockButDropsTheRecordsBeforeTheModulesHear) {
     add_iface(conf, "eth1", IF_TYPE_ETH).support_ts_vlan = true;
     policy(0, "20", "home");
     lynd_list_init(&conf.ev.listeners);
     event_listener l{{nullptr, nullptr}, heard_ts};
     event_add_listener(&conf.ev, &l);
-    const conf_ts zero{};
     const conf_interface blank{};
     for (const char* off : {"traffic_separation.traffic_separation.enable", "wificommonCfg.settings.mesh_enable"}) {
         traffic_separation_config_load(&conf);
@@ -95,12 +96,15 @@ TEST_F(TrafficSeparationTest, TurningItOffOnReloadClearsEverythingBeforeTheModul
         event_ubus_receive_traffic_separation(&conf.ev, lynd::BusMessage{nullptr, 0, false});
         EXPECT_EQ(1u, g_seen_interfaces);
         EXPECT_TRUE(vid(0) == 0 && std::memcmp(&blank, &conf.interfaces[1], sizeof blank) == 0);
-        EXPECT_EQ(0, std::memcmp(&zero, &conf.ts, sizeof zero));
+        EXPECT_FALSE(conf.ts.enable);
+        EXPECT_EQ(10u, conf.ts.primary_vlan);
+        EXPECT_TRUE(conf.ts.policy_count == 1 && conf.ts.vlan_count == 1 && conf.ts.vlan_ids[0] == 20);
         uci.erase(off);
     }
     uci.erase("traffic_separation.traffic_separation.primary_vlan");
     traffic_separation_config_load(&conf);
-    EXPECT_TRUE(conf.n_interfaces == 1 && std::memcmp(&zero, &conf.ts, sizeof zero) == 0);
+    EXPECT_TRUE(conf.n_interfaces == 1 && !conf.ts.enable);
+    EXPECT_TRUE(conf.ts.primary_vlan == 0 && conf.ts.policy_count == 1 && conf.ts.vlan_count == 1);
 }
 
 TEST_F(TrafficSeparationTest, AFullTableStopsTheLoadWithTheRecordsSoFar) {
@@ -126,7 +130,7 @@ TEST_F(TrafficSeparationTest, TablesHoldSixtyFourEntriesAndTheWalkIsBounded) {
     EXPECT_TRUE(conf.ts.vlan_count == 64 && conf.ts.vlan_ids[63] == 163);
     EXPECT_TRUE(conf.ts.policy_count == 64 && conf.ts.policies[63].vlan_id == 100);  // 64..69 left with their VLANs
     EXPECT_EQ(1u, host.count_logged("] more than 64 ts vlans, the policies of the others are ignored"));
-    uci.set("traffic_separation.traffic_separation.ts_policy_count", "4294967295");
+    uci.set("traffic_separation.traffic_separation.ts_policy_count", "-1");  // as unsigned, 4294967295
     traffic_separation_config_load(&conf);  // unbounded, this would read UCI for hours
     EXPECT_TRUE(host.logged("] ts policy count 4294967295, only the first 1024 policies are read"));
     EXPECT_TRUE(host.logged("] ts tables full, policies from index 71 on are ignored"));

@@ -16,9 +16,13 @@ TEST_F(TsSettingsTest, SwitchesCountOnlyWhenReadAndTheMeshOneOnlyOffTheControlle
     EXPECT_EQ(0, wlan_get_ts_enable(WORK_MODE_FAP));
 }
 
-TEST_F(TsSettingsTest, ValuesAreStrictDecimalsAndKeysMustFit) {
+// Numbers read as a C daemon reads them from text (atoi), so a stray blank
+// does not switch traffic separation off.
+TEST_F(TsSettingsTest, ValuesReadAsCNumbersAndKeysMustFit) {
     const std::pair<const char*, uint32_t> cases[] = {
-        {"0020", 20}, {"20x", 0}, {" 20", 0}, {"-5", 0}, {"", 0}, {"4294967295", 4294967295u}, {"4294967296", 0},
+        {"0020", 20},       {"20x", 20},        {" 20", 20}, {"10 ", 10},          {"\t+7", 7},
+        {"-5", 4294967291u}, {"", 0},            {"x20", 0},  {"- 5", 0},           {"2147483647", 2147483647u},
+        {"4294967296", 2147483647u}, {"-99999999999", 2147483648u},
     };
     for (const auto& c : cases) {
         uci.set("traffic_separation.@ts_policy[4294967295].vlan_id", c.first);

@@ -10,14 +10,17 @@
 
 namespace {
 
+// Printed for the listing it ends.
+constexpr const char* kFn = "lynd_get_active_ports";
+
 void trace_ports(int count, conf_interface* const* ports) {
-    LYND_TRACE("active ports count:%d", count);
+    LYND_TRACE_AS(kFn, "active ports count:%d", count);
     if (!lynd_log_on(LYND_LVL_TRACE))
         return;
     for (int i = 0; i < count; i++) {
         const conf_interface* p = ports[i];
-        LYND_TRACE("port %d: name %s type %d relay %d path %d compat %d wired_primary_name %s", i, p->name, p->type,
-                   p->relay, p->path, p->compat_group, p->primary_name);
+        LYND_TRACE_AS(kFn, "port %d: name %s type %d relay %d path %d compat %d wired_primary_name %s", i, p->name,
+                      p->type, p->relay, p->path, p->compat_group, p->primary_name);
     }
 }
 

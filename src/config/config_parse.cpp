@@ -12,6 +12,8 @@
 
 namespace {
 
+// The table loaders log for the load.
+constexpr const char* kLoadFn = "config_load";
 constexpr const char* kTypeNames[IF_TYPE_MAX] = {"ethernet", "2.4g", "5g", "5g_2", "6g"};
 
 // Names longer than a name field are cut, never stored unterminated.
@@ -66,7 +68,7 @@ void load_bridges(lynd_config* conf, json_object* bridges, config_report* r) {
     std::memset(conf->bridges, 0, sizeof conf->bridges);
     json_object_object_foreach(bridges, name, val) {
         if (conf->n_bridges == LYND_MAX_BRIDGES) {
-            LYND_WARN("too many bridges");
+            LYND_WARN_AS(kLoadFn, "too many bridges");
             note_surplus(r, "bridges", name, members_after(bridges, name), LYND_MAX_BRIDGES);
             break;
         }
@@ -81,7 +83,7 @@ void load_bridges(lynd_config* conf, json_object* bridges, config_report* r) {
         br.ps_flags |= json_bool_or(val, "follow_re", false) ? PS_FLAG_FOLLOW_RE : 0;
         br.ps_flags |= json_bool_or(val, "tcp_sp", false) ? PS_FLAG_TCP_SP : 0;
         if (br.ps_flags & PS_FLAG_HC)
-            LYND_WARN("br %s ps mode set to HC", br.name);
+            LYND_WARN_AS(kLoadFn, "br %s ps mode set to HC", br.name);
     }
 }
 
@@ -152,7 +154,7 @@ config_parse_result load_interfaces(lynd_config* conf, json_object* interfaces, 
     std::memset(conf->interfaces, 0, sizeof conf->interfaces);
     json_object_object_foreach(interfaces, name, val) {
         if (conf->n_interfaces == LYND_MAX_INTERFACES) {
-            LYND_WARN("too many interfaces");
+            LYND_WARN_AS(kLoadFn, "too many interfaces");
             note_surplus(rep, "interfaces", name, members_after(interfaces, name), LYND_MAX_INTERFACES);
             break;
         }
@@ -199,8 +201,9 @@ bool trailing_text(const char* text, size_t len) {
     return false;
 }
 
-// The document's top-level object, or null when the text is anything else
-// (then the report says why, with json-c's reason and the place).
+// The document's top-level value, or null when the text is not a JSON
+// document or is null (then the report says why, with json-c's reason and
+// the place). A value other than an object has no members to read.
 json_object* parse_object(const char* text, size_t len, config_report* r) {
     json_tokener* tok = json_tokener_new();
     if (tok == nullptr) {
@@ -215,9 +218,12 @@ json_object* parse_object(const char* text, size_t len, config_report* r) {
     int line, column;
     place_of(text, end < len ? end : len, &line, &column);
     std::snprintf(where, sizeof where, "line %d, column %d", line, column);
-    if (root != nullptr && err == json_tokener_success && json_is_object(root)) {
+    if (root != nullptr && err == json_tokener_success) {
         if (trailing_text(text + end, len - end))
             config_note(r, config_severity::WARNING, where, "text after the end of the document, ignored");
+        if (!json_is_object(root))
+            config_note(r, config_severity::WARNING, "file", "the top level is %s, not an object: nothing is read",
+                        json_type_to_name(json_object_get_type(root)));
         return root;
     }
     if (err == json_tokener_continue || (err == json_tokener_success && root == nullptr && len == 0))
@@ -246,7 +252,8 @@ config_parse_result config_parse(lynd_config* conf, const char* text, size_t len
     json_object* root = parse_object(text, len, report);
     if (root == nullptr)
         return config_parse_result::BAD_JSON;
-    config_check_members(report, config_section::TOP, root, "");
+    if (json_is_object(root))
+        config_check_members(report, config_section::TOP, root, "");
     conf->n_bridges = 0;
     conf->n_interfaces = 0;
     conf->enable = json_bool_or(root, "enable", false);
@@ -258,8 +265,14 @@ config_parse_result config_parse(lynd_config* conf, const char* text, size_t len
     if (json_object* bridges = section(report, root, "bridges"))
         load_bridges(conf, bridges, report);
     // Before the interfaces: their names may use the exchange VLANs.
-    if (json_object* param = section(report, root, "param")) {
-        config_check_members(report, config_section::PARAM, param, "param");
+    // A "param" of another kind is still loaded: no member is found in it,
+    // so every member takes its default.
+    json_object* param;
+    if (json_has(root, "param", &param)) {
+        if (json_is_object(param))
+            config_check_members(report, config_section::PARAM, param, "param");
+        else
+            config_note(report, config_severity::WARNING, "param", "is not an object; every member takes its default");
         config_load_param(conf, param);
     }
     if (json_object* interfaces = section(report, root, "interfaces"))

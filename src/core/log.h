@@ -53,9 +53,16 @@ inline bool lynd_log_on(int level) { return g_lynd_dgb_lvl >= level; }
 #define LYND_INFO_AS(fn, fmt, ...) LYND_LOG_AT_FN(LYND_LVL_INFO, "<LYND_INFO>", fn, fmt, ##__VA_ARGS__)
 #define LYND_LOG_AS(fn, fmt, ...) LYND_LOG_AT_FN(LYND_LVL_LOG, "<LYND_LOG>", fn, fmt, ##__VA_ARGS__)
 #define LYND_DEBUG_AS(fn, fmt, ...) LYND_LOG_AT_FN(LYND_LVL_DEBUG, "<LYND_DEBUG>", fn, fmt, ##__VA_ARGS__)
+#define LYND_TRACE_AS(fn, fmt, ...) LYND_LOG_AT_FN(LYND_LVL_TRACE, "<LYND_TRACE>", fn, fmt, ##__VA_ARGS__)
 
 // A FATAL line that more lines follow before the exit.
 #define LYND_FATAL_LINE(fmt, ...) lynd_printf("<LYND_FATAL>[%s, %d] " fmt, __func__, __LINE__, ##__VA_ARGS__)
+
+#define LYND_FATAL_AS(fn, fmt, ...)                                          \
+    do {                                                                     \
+        lynd_printf("<LYND_FATAL>[%s, %d] " fmt, fn, __LINE__, ##__VA_ARGS__); \
+        lynd_fatal_exit();                                                   \
+    } while (0)
 
 #define LYND_FATAL(fmt, ...)                   \
     do {                                       \

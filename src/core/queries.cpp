@@ -49,7 +49,7 @@ int32_t lynd_exec_and_res(const char* const argv[], char* buf, int32_t size) {
 
 bool lynd_uci_get_value(const char* path, char* value, size_t size) {
     if (path == nullptr || value == nullptr || size == 0) {
-        LYND_ERR("invalid input ...");
+        LYND_ERR("invalid input ...\n");
         return false;
     }
     // The lookup parses the path in place, so it works on a copy.
@@ -59,7 +59,7 @@ bool lynd_uci_get_value(const char* path, char* value, size_t size) {
     case lynd::UciResult::FOUND:
         return true;
     case lynd::UciResult::CONTEXT_FAILED:
-        LYND_ERR("uci_alloc_context failed...");
+        LYND_ERR("uci_alloc_context failed...\n");
         return false;
     case lynd::UciResult::NOT_FOUND:
     case lynd::UciResult::LOOKUP_FAILED:

@@ -21,6 +21,9 @@
 
 namespace {
 
+// The start-up lines belong to the entry point, whichever step prints them.
+constexpr const char* kFn = "main";
+
 // The context lives for the whole process, as the hub and l_ev point into it.
 lynd_config g_conf;
 
@@ -29,7 +32,7 @@ void start_modules(lynd_config* conf, const lynd_module_table& modules) {
         lynd_module* m = modules.inits[i](conf);
         if (m == nullptr)
             continue;
-        LYND_WARN("%s initialized", m->name);
+        LYND_WARN_AS(kFn, "%s initialized", m->name);
         lynd_list_add(&m->list, &conf->modules);
     }
 }
@@ -85,7 +88,7 @@ int lynd_main_with(int argc, char** argv, const lynd_module_table& modules) {
     }
     lynd::trace_watch_config(opt.config_path);
     g_dgb_lvl = g_lynd_dgb_lvl;
-    LYND_LOG("set libkrel g_dgb_lvl=%d!", g_dgb_lvl);
+    LYND_LOG_AS(kFn, "set libkrel g_dgb_lvl=%d!", g_dgb_lvl);
     int64_t started_ms = lynd_monotonic_ms();
 
     lynd_config* conf = &g_conf;
@@ -95,7 +98,7 @@ int lynd_main_with(int argc, char** argv, const lynd_module_table& modules) {
     config_load(conf, opt.config_path);
     lynd::trace_settle(conf->record, conf->record_size);
     if (!conf->enable) {
-        LYND_ERR("lynd disabled");
+        LYND_ERR_AS(kFn, "lynd disabled");
         lynd::steering_gate_remove();
         lynd::trace_finish();
         return 0;

@@ -37,7 +37,7 @@ lynd_option_action lynd_parse_options(int argc, char** argv, lynd_options* out) 
             break;
         case 'l':
             g_lynd_dgb_lvl = lynd_level_from_arg(optarg);
-            LYND_LOG("g_lynd_dgb_lvl=%d!", g_lynd_dgb_lvl);
+            LYND_LOG_AS("main", "g_lynd_dgb_lvl=%d!", g_lynd_dgb_lvl);
             break;
         case 'h':
             print_usage(prog);

@@ -40,7 +40,9 @@ bool nl_first_msg_ok(const uint8_t* buf, size_t n) {
 
 bool event_hyfi_datagram(const uint8_t* buf, size_t n, bridge_event* out) {
     if (!nl_first_msg_ok(buf, n)) {
-        LYND_ERR("NLMSG_OK(nlh[%d], len[%d])", static_cast<int>(nl_first_msg_len(buf, n)), static_cast<int>(n));
+        // Logged for the socket handler that drains the datagrams.
+        LYND_ERR_AS("event_hyfi_nl_cb", "NLMSG_OK(nlh[%d], len[%d])", static_cast<int>(nl_first_msg_len(buf, n)),
+                    static_cast<int>(n));
         return false;
     }
     uint32_t len = nl_first_msg_len(buf, n);

@@ -9,6 +9,11 @@ using lynd::BusAttr;
 
 namespace {
 
+// The decoders log for the receivers they serve.
+constexpr const char* kConfigureFn = "event_ubus_receive_configure";
+constexpr const char* kLinkStateFn = "event_ubus_receive_link_state";
+constexpr const char* kDebugFn = "event_ubus_receive_debug";
+
 int32_t i32(const BusAttr* a) { return static_cast<int32_t>(a->i); }
 
 uint32_t work_mode_from(const char* mode) {
@@ -43,16 +48,16 @@ bool debug_path_from(const BusAttr* const* tb, debug_event* out) {
     case TRI_ON:
         out->subtype = DBG_SET_PATH_INFO;
         path_info_from(tb, &out->path);
-        LYND_DEBUG("%s set path info: txrate=%d rxrate=%d rssi=%d noise=%d txbytes=%d rxbytes=%d", out->path.ifname,
-                   out->path.txrate, out->path.rxrate, out->path.rssi, out->path.noise,
-                   static_cast<int>(out->path.txbytes), static_cast<int>(out->path.rxbytes));
+        LYND_DEBUG_AS(kDebugFn, "%s set path info: txrate=%d rxrate=%d rssi=%d noise=%d txbytes=%d rxbytes=%d",
+                      out->path.ifname, out->path.txrate, out->path.rxrate, out->path.rssi, out->path.noise,
+                      static_cast<int>(out->path.txbytes), static_cast<int>(out->path.rxbytes));
         return true;
     case TRI_OFF:
         out->subtype = DBG_CLEAN_PATH_INFO;
-        LYND_DEBUG("%s clean path info", out->path.ifname);
+        LYND_DEBUG_AS(kDebugFn, "%s clean path info", out->path.ifname);
         return true;
     default:
-        LYND_WARN("debug path request %d is neither 0 nor 1, dropped", i32(tb[DEBUG_PATH]));
+        LYND_WARN_AS(kDebugFn, "debug path request %d is neither 0 nor 1, dropped", i32(tb[DEBUG_PATH]));
         return false;
     }
 }
@@ -77,7 +82,7 @@ void ubus_configure_from(const BusAttr* const* tb, configure_event* out) {
     out->mode = WORK_MODE_INVALID;
     if (tb[CONFIGURE_MODE]) {
         out->mode = work_mode_from(tb[CONFIGURE_MODE]->str);
-        LYND_WARN("work mode: %d", out->mode);
+        LYND_WARN_AS(kConfigureFn, "work mode: %d", out->mode);
     }
     out->hc_enable = ubus_tristate(tb[CONFIGURE_HC_ENABLE]);
     out->follow_re = ubus_tristate(tb[CONFIGURE_FOLLOW_RE]);
@@ -92,10 +97,10 @@ void ubus_link_state_from(const BusAttr* link_state, uint32_t hub_state[4], link
     for (int i = 0; i < 4; i++) {
         uint32_t state = (bits & (0x10u << i)) != 0 ? 1 : 0;
         out->eth_state[i] = state;
-        LYND_DEBUG("eth%d state %d", i + 1, state);
+        LYND_DEBUG_AS(kLinkStateFn, "eth%d state %d", i + 1, state);
         if (state != hub_state[i]) {
             out->need_reconfig = 1;
-            LYND_DEBUG("eth%d link state change, need_reconfig", i + 1);
+            LYND_DEBUG_AS(kLinkStateFn, "eth%d link state change, need_reconfig", i + 1);
         }
         hub_state[i] = state;
     }
@@ -118,14 +123,14 @@ bool ubus_debug_from(const BusAttr* const* tb, debug_event* out) {
     } else if (tb[DEBUG_PATHSEL]) {
         out->subtype = DBG_PATHSEL_MODE;
         out->mode = static_cast<uint8_t>(tb[DEBUG_PATHSEL]->i);
-        LYND_LOG("Set pathsel_mode to %d", out->mode);
+        LYND_LOG_AS(kDebugFn, "Set pathsel_mode to %d", out->mode);
     } else if (tb[DEBUG_BRCONF]) {
         out->subtype = DBG_BRCONF_MODE;
         out->mode = static_cast<uint8_t>(tb[DEBUG_BRCONF]->i);
-        LYND_LOG("Set brconf_mode to %d", out->mode);
+        LYND_LOG_AS(kDebugFn, "Set brconf_mode to %d", out->mode);
     } else {
         // Delivering this as a level request would silence the daemon.
-        LYND_WARN("debug message without a known request, dropped");
+        LYND_WARN_AS(kDebugFn, "debug message without a known request, dropped");
         return false;
     }
     return true;

@@ -22,7 +22,7 @@ event_hub* hub_of_wifi_fd(lynd::LoopFd* f) {
 
 [[noreturn]] void wifi_fatal_closing(int fd, const char* step, int err) {
     (void)lynd::host().close_fd(fd);
-    LYND_FATAL("Fatal(%s): %s", std::strerror(err), step);
+    LYND_FATAL_AS("event_wifi_init", "Fatal(%s): %s", std::strerror(err), step);
 }
 
 }  // namespace

@@ -44,8 +44,11 @@ int lynd_activate_link(const char* ifname, const uint8_t* dst_mac) {
     lynd_build_dummy_frame(frame, dst_mac, src);
     for (int attempt = 0; attempt < DUMMY_SEND_ATTEMPTS; attempt++) {
         long sent = h.packet_send(fd, ifindex, DUMMY_ETHERTYPE, dst_mac, frame, sizeof frame);
+        // The line shows what sendto returns (-1 on failure); the errno has a line of its own.
         LYND_DEBUG("send dummy packet, ifname: %s, if_mac: %02X-%02X len: %d", ifname, src[4], src[5],
-                   static_cast<int>(sent));
+                   sent < 0 ? -1 : static_cast<int>(sent));
+        if (sent < 0)
+            LYND_DEBUG("send dummy packet on %s: %s", ifname, std::strerror(static_cast<int>(-sent)));
         if (sent > 0)
             break;
     }

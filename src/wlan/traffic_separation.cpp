@@ -10,6 +10,8 @@
 
 namespace {
 
+// The helpers log for the load they serve.
+constexpr const char* kFn = "traffic_separation_config_load";
 constexpr uint32_t kMaxVid = 4095;
 
 struct policy_walk {
@@ -54,47 +56,42 @@ void read_policy(lynd_config* conf, uint32_t i, policy_walk* walk) {
 // Fills vlan_ids and policies; the number of policies stored.
 uint32_t read_policies(lynd_config* conf, uint32_t count) {
     if (count > TS_MAX_POLICY_INDEXES) {
-        LYND_WARN("ts policy count %u, only the first %u policies are read", count, TS_MAX_POLICY_INDEXES);
+        LYND_WARN_AS(kFn, "ts policy count %u, only the first %u policies are read", count, TS_MAX_POLICY_INDEXES);
         count = TS_MAX_POLICY_INDEXES;
     }
     policy_walk walk{};
     for (uint32_t i = 0; i < count; i++) {
         if (walk.stored == TS_MAX_POLICIES && conf->ts.vlan_count == TS_MAX_VLANS) {
-            LYND_WARN("ts tables full, policies from index %u on are ignored", i);
+            LYND_WARN_AS(kFn, "ts tables full, policies from index %u on are ignored", i);
             break;
         }
         read_policy(conf, i, &walk);
     }
     if (walk.vlans_full)
-        LYND_WARN("more than %d ts vlans, the policies of the others are ignored", TS_MAX_VLANS);
+        LYND_WARN_AS(kFn, "more than %d ts vlans, the policies of the others are ignored", TS_MAX_VLANS);
     if (walk.policies_full)
-        LYND_WARN("more than %d ts policies, the others are ignored", TS_MAX_POLICIES);
+        LYND_WARN_AS(kFn, "more than %d ts policies, the others are ignored", TS_MAX_POLICIES);
     return walk.stored;
-}
-
-void ts_off(lynd_config* conf) {
-    lynd_ts_config_reset(conf);
-    conf->ts = conf_ts{};
 }
 
 // One record per TS VLAN after the cursor m; false when the table is full.
 bool add_vlan_records(lynd_config* conf, conf_interface& port, uint64_t* m) {
-    LYND_DEBUG("port:%s support ts vlan", port.name);
+    LYND_DEBUG_AS(kFn, "port:%s support ts vlan", port.name);
     for (uint32_t k = 0; k < conf->ts.vlan_count; k++) {
         if (*m >= LYND_MAX_INTERFACES) {
-            LYND_ERR("can't find an empty entry to add ts port");
+            LYND_ERR_AS(kFn, "can't find an empty entry to add ts port");
             return false;
         }
         uint32_t vid = conf->ts.vlan_ids[k];
         conf_interface& rec = conf->interfaces[*m];
         rec = port;
-        LYND_DEBUG("new m:%d, interface_name:%s", static_cast<int>(*m), port.name);
+        LYND_DEBUG_AS(kFn, "new m:%d, interface_name:%s", static_cast<int>(*m), port.name);
         lynd_get_vlan_name(rec.name, port.name, vid, true);
-        LYND_DEBUG("newinterface_name:%s", rec.name);
+        LYND_DEBUG_AS(kFn, "newinterface_name:%s", rec.name);
         rec.ts_vlan_id = vid;
         rec.is_ts_vlan = true;
         rec.support_ts_vlan = false;
-        LYND_DEBUG("newinterface:%s ts_vlan_id: %d is_ts_vlan: %d", rec.name, rec.ts_vlan_id, rec.is_ts_vlan);
+        LYND_DEBUG_AS(kFn, "newinterface:%s ts_vlan_id: %d is_ts_vlan: %d\n", rec.name, rec.ts_vlan_id, rec.is_ts_vlan);
         (*m)++;
     }
     port.ts_vlan_id = conf->ts.primary_vlan;
@@ -106,10 +103,10 @@ bool add_vlan_records(lynd_config* conf, conf_interface& port, uint64_t* m) {
 bool assign_vap_vlan(const conf_ts& ts, conf_interface& vap) {
     char ssid[TS_SSID_LEN] = {};
     if (!wlan_get_ssid_by_ifname(vap.name, ssid)) {
-        LYND_ERR("get ssid faild");
+        LYND_ERR_AS(kFn, "get ssid faild");
         return false;
     }
-    LYND_DEBUG("ts_vap_interface:%s, ssid:%s", vap.name, ssid);
+    LYND_DEBUG_AS(kFn, "ts_vap_interface:%s, ssid:%s", vap.name, ssid);
     for (uint32_t i = 0; i < ts.policy_count; i++) {
         if (std::strcmp(ts.policies[i].ssid, ssid) == 0) {
             vap.ts_vlan_id = ts.policies[i].vlan_id;
@@ -133,7 +130,7 @@ bool assign_interfaces(lynd_config* conf, uint64_t n, uint64_t* m) {
         } else if (!r.is_ts_vlan) {
             r.ts_vlan_id = conf->ts.primary_vlan;
         }
-        LYND_DEBUG("interface:%s ts_vlan_id:%d is_ts_vlan:%d", r.name, r.ts_vlan_id, r.is_ts_vlan);
+        LYND_DEBUG_AS(kFn, "interface:%s ts_vlan_id:%d is_ts_vlan:%d", r.name, r.ts_vlan_id, r.is_ts_vlan);
     }
     return true;
 }
@@ -155,25 +152,29 @@ void lynd_ts_config_reset(lynd_config* conf) {
 }
 
 void traffic_separation_config_load(lynd_config* conf) {
+    // Switched off, the block keeps what was read: the dump shows it and
+    // loop avoidance compares against the primary VLAN regardless.
     conf_ts& ts = conf->ts;
-    ts = conf_ts{};  // nothing of an earlier load lingers past the counts
     ts.enable = wlan_get_ts_enable(lynd_get_work_mode()) == 1;
     if (!ts.enable) {
         LYND_INFO("TS is %s,exit TS mode", "off");
-        ts_off(conf);
+        lynd_ts_config_reset(conf);
         return;
     }
     ts.primary_vlan = wlan_get_ts_primary_vid();
     LYND_DEBUG("ts primary vlan is %d", ts.primary_vlan);
     uint32_t count = wlan_get_ts_policy_count();
+    ts.policy_count = count;
     LYND_DEBUG("ts policy count is %d", count);
+    ts.vlan_count = 0;
     uint32_t stored = read_policies(conf, count);
     lynd_ts_config_reset(conf);
     ts.policy_count = stored;
     LYND_DEBUG("ts policy count:%d, vlan count is %d", ts.policy_count, ts.vlan_count);
     if (ts.primary_vlan == 0 || ts.policy_count == 0 || ts.vlan_count == 0) {
+        ts.enable = false;
         LYND_INFO("LYND exit TS mode");
-        ts_off(conf);
+        lynd_ts_config_reset(conf);
         return;
     }
     for (uint32_t k = 0; k < ts.vlan_count; k++)

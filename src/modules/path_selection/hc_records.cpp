@@ -113,9 +113,10 @@ link_sample* ring_append(sample_ring* r, bool path_ring) {
         index = (r->start + r->num) % HC_RING_SIZE;
         r->num++;
     }
+    // Logged for the sampling operation that appends.
     if (path_ring)
-        LYND_WARN("history, array_index[%d]", index);
+        LYND_WARN_AS("path_selection_sample_wlan_path_info", "history, array_index[%d]", index);
     else
-        LYND_DEBUG("history, array_index[%d]", index);
+        LYND_DEBUG_AS("path_selection_sample_wlan_sta_info", "history, array_index[%d]", index);
     return &r->samples[index];
 }

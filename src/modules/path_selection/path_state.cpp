@@ -41,7 +41,8 @@ verdict judge(const hc_path& p) {
     LYND_DEBUG_AS(kFn, "txrate:%d, rxrate:%d, incre_txbytes:%lld(%llu->%llu)", n.txrate, n.rxrate,
                   static_cast<long long>(p.cur_txbytes - p.last_txbytes),
                   static_cast<unsigned long long>(p.last_txbytes), static_cast<unsigned long long>(p.cur_txbytes));
-    bool slow = static_cast<int64_t>(n.rate) < p.weaklink_threshold_rate;
+    // Rates compare unsigned: a negative threshold makes every rate slow.
+    bool slow = n.rate < static_cast<uint32_t>(p.weaklink_threshold_rate);
     v.weak = (m.rssi < p.weaklink_threshold_rssi || m.snr < p.weaklink_threshold_snr) && slow;
     v.hold = (m.rssi < p.weaklink_hold_threshold_rssi || m.snr < p.weaklink_hold_threshold_snr) && slow;
     path_rating& r = g_path_insight[p.type].rating;

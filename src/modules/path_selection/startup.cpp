@@ -36,6 +36,18 @@ void path_selection_startup_ifaces(lynd_config* conf) {
     }
 }
 
+// Every slot is sampled, whichever bridge asked.
+void path_selection_sample_wlan_info() {
+    for (uint32_t t = 0; t < IF_TYPE_MAX; t++) {
+        hc_path* p = &hc_paths[t];
+        if (p->state == PATH_UNINITED)
+            continue;
+        LYND_WARN("sample %s path(status %d) and STAs info", p->name, p->state);
+        path_selection_sample_wlan_path_info(p);
+        path_selection_sample_wlan_sta_info(hc_paths, t);
+    }
+}
+
 }  // namespace
 
 hc_path* path_selection_link_candidate(hc_path* p, hc_path* cand) {
@@ -98,15 +110,7 @@ void path_selection_timer_short_period_hc(lynd_config* conf) {
         LYND_DEBUG("bridge %s", conf->bridges[i].name);
         if (lynd_get_work_mode() != WORK_MODE_RE)
             return;
-        if (!path_selection_bridge(conf->bridges[i], false))
-            continue;
-        for (uint32_t t = 0; t < IF_TYPE_MAX; t++) {
-            hc_path* p = &hc_paths[t];
-            if (p->state == PATH_UNINITED)
-                continue;
-            LYND_WARN("sample %s path(status %d) and STAs info", p->name, p->state);
-            path_selection_sample_wlan_path_info(p);
-            path_selection_sample_wlan_sta_info(hc_paths, t);
-        }
+        if (path_selection_bridge(conf->bridges[i], false))
+            path_selection_sample_wlan_info();
     }
 }

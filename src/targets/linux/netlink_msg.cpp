@@ -13,6 +13,8 @@
 namespace {
 
 constexpr int kReplyWaitMs = 1000;
+// The steps log for the exchange as a whole.
+constexpr const char* kFn = "lynd_netlink_msg";
 
 uint32_t port_id() {
     static const uint32_t pid = static_cast<uint32_t>(getpid());
@@ -22,11 +24,11 @@ uint32_t port_id() {
 int open_socket(int protocol) {
     int fd = socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, protocol);
     if (fd < 0) {
-        LYND_ERR("netlink socket create failed\n");
+        LYND_ERR_AS(kFn, "netlink socket create failed\n");
         return -1;
     }
     if (fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK) < 0) {
-        LYND_ERR("fcntl():");
+        LYND_ERR_AS(kFn, "fcntl():");
         close(fd);
         return -1;
     }
@@ -34,7 +36,7 @@ int open_socket(int protocol) {
     local.nl_family = AF_NETLINK;
     local.nl_pid = port_id();
     if (bind(fd, reinterpret_cast<sockaddr*>(&local), sizeof local) < 0) {
-        LYND_ERR("netlink socket create failed\n");
+        LYND_ERR_AS(kFn, "netlink socket create failed\n");
         close(fd);
         return -1;
     }
@@ -43,11 +45,11 @@ int open_socket(int protocol) {
 
 bool size_buffers(int fd, int len) {
     if (setsockopt(fd, SOL_SOCKET, SO_SNDBUFFORCE, &len, sizeof len) < 0) {
-        LYND_ERR("Setsockopt SO_SNDBUF: ");
+        LYND_ERR_AS(kFn, "Setsockopt SO_SNDBUF: ");
         return false;
     }
     if (setsockopt(fd, SOL_SOCKET, SO_RCVBUFFORCE, &len, sizeof len) < 0) {
-        LYND_ERR("Setsockopt SO_RCVBUF: ");
+        LYND_ERR_AS(kFn, "Setsockopt SO_RCVBUF: ");
         return false;
     }
     return true;
@@ -57,14 +59,14 @@ bool exchange(int fd, uint8_t* buf, int len) {
     sockaddr_nl kernel{};
     kernel.nl_family = AF_NETLINK;
     if (sendto(fd, buf, static_cast<size_t>(len), 0, reinterpret_cast<sockaddr*>(&kernel), sizeof kernel) < 0) {
-        LYND_ERR("netlink socket send failed\n");
+        LYND_ERR_AS(kFn, "netlink socket send failed\n");
         return false;
     }
     pollfd p{fd, POLLIN, 0};
     if (poll(&p, 1, kReplyWaitMs) <= 0)
         return false;  // no answer in time: quietly a failure
     if (recv(fd, buf, static_cast<size_t>(len), MSG_WAITALL) < 1) {
-        LYND_ERR("netlink socket receive failed\n");
+        LYND_ERR_AS(kFn, "netlink socket receive failed\n");
         return false;
     }
     return true;

@@ -74,10 +74,11 @@ uint32_t wlan_get_subunit_by_ifname(const char* name) {
         return kNoSubunit;
     }
     uint32_t subunit = _get_ifname_subunit(name);
+    // The lines belong to the name rule, which stays free of logging.
     if (subunit == kNoSubunit)
-        LYND_DEBUG("fail to get ifname(%s) subunit", name);
+        LYND_DEBUG_AS("_get_ifname_subunit", "fail to get ifname(%s) subunit", name);
     else
-        LYND_DEBUG("ifname(%s) subunit is %d", name, static_cast<int>(subunit));
+        LYND_DEBUG_AS("_get_ifname_subunit", "ifname(%s) subunit is %d", name, static_cast<int>(subunit));
     return subunit;
 }
 

@@ -6,17 +6,17 @@
 
 namespace {
 
-// A socket failure is logged here; a failed request is left to the caller,
-// whose message differs.
+// A socket failure is logged here, for the caller fn; a failed request is
+// left to the caller, whose message differs.
 enum class StaQuery { OK, NO_SOCKET, IOCTL_FAILED };
 
 // Asks the driver for ifname's peers, at most max of them. The reply lives
 // on the stack: these queries run every few seconds.
-StaQuery query_links(const char* ifname, wlan_link_info* links, size_t max, size_t* count) {
+StaQuery query_links(const char* fn, const char* ifname, wlan_link_info* links, size_t max, size_t* count) {
     *count = 0;
     QcaSocket sock;
     if (!sock.ok()) {
-        LYND_ERR("socket");
+        LYND_ERR_AS(fn, "socket");
         return StaQuery::NO_SOCKET;
     }
     // Only the length the driver reports is read: no need to clear 24 KiB.
@@ -32,13 +32,14 @@ StaQuery query_links(const char* ifname, wlan_link_info* links, size_t max, size
     return StaQuery::OK;
 }
 
-void log_links(const char* ifname, const wlan_link_info* links, size_t count) {
+void log_links(const char* fn, const char* ifname, const wlan_link_info* links, size_t count) {
     for (size_t i = 0; i < count; i++) {
         const wlan_link_info& l = links[i];
-        LYND_DEBUG("uplink info %s:%02x:%02x:%02x:%02x:%02x:%02x txrate:%d, rxrate:%d, idle:%d, rssi:%d, noise:%d, "
-                   "snr:%d",
-                   ifname, l.mac[0], l.mac[1], l.mac[2], l.mac[3], l.mac[4], l.mac[5], l.txrate, l.rxrate, l.idle,
-                   l.rssi, l.noise, l.snr);
+        LYND_DEBUG_AS(fn,
+                      "uplink info %s:%02x:%02x:%02x:%02x:%02x:%02x txrate:%d, rxrate:%d, idle:%d, rssi:%d, noise:%d, "
+                      "snr:%d",
+                      ifname, l.mac[0], l.mac[1], l.mac[2], l.mac[3], l.mac[4], l.mac[5], l.txrate, l.rxrate, l.idle,
+                      l.rssi, l.noise, l.snr);
     }
 }
 
@@ -50,12 +51,12 @@ uint8_t wlan_get_links_qca(const char* ifname, wlan_link_info* links, bool) {
         return 0;
     }
     size_t count = 0;
-    StaQuery q = query_links(ifname, links, QCA_STA_MAX_LINKS, &count);
+    StaQuery q = query_links(__func__, ifname, links, QCA_STA_MAX_LINKS, &count);
     if (q == StaQuery::IOCTL_FAILED)
         LYND_ERR("ioctl");
     if (q != StaQuery::OK)
         return 0;
-    log_links(ifname, links, count);
+    log_links(__func__, ifname, links, count);
     LYND_DEBUG("wlan %s get links idx=%d", ifname, static_cast<int>(count));
     return static_cast<uint8_t>(count);
 }
@@ -66,7 +67,7 @@ int wlan_get_links_v2(const char* ifname, wlan_link_info* link) {
         return 0;
     }
     size_t count = 0;
-    StaQuery q = query_links(ifname, link, 1, &count);
+    StaQuery q = query_links(__func__, ifname, link, 1, &count);
     if (q == StaQuery::IOCTL_FAILED)
         LYND_WARN("ioctl");
     if (q != StaQuery::OK)
@@ -75,7 +76,7 @@ int wlan_get_links_v2(const char* ifname, wlan_link_info* link) {
         LYND_WARN("ioctl get failed");
         return 0;
     }
-    log_links(ifname, link, count);
+    log_links(__func__, ifname, link, count);
     return 1;
 }
 
@@ -90,12 +91,12 @@ int wlan_get_sta_links(const char* ifname, wlan_link_info* links, int max) {
     }
     LYND_DEBUG("wlan get links name: %s", ifname);
     size_t count = 0;
-    StaQuery q = query_links(ifname, links, static_cast<size_t>(max), &count);
+    StaQuery q = query_links(__func__, ifname, links, static_cast<size_t>(max), &count);
     if (q == StaQuery::IOCTL_FAILED)
         LYND_WARN("fail to get ioctl, %s maybe not ap interface", ifname);
     if (q != StaQuery::OK)
         return 0;
-    log_links(ifname, links, count);
+    log_links(__func__, ifname, links, count);
     LYND_DEBUG("wlan %s get links idx=%d", ifname, static_cast<int>(count));
     return static_cast<int>(count);
 }

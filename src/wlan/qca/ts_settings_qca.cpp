@@ -29,29 +29,36 @@ bool read_option(char* value, size_t size, const char* fmt, ...) {
     return lynd_uci_get_value(key, value, size);
 }
 
-// Digits only and within 32 bits, else 0.
-uint32_t strict_decimal(const char* text) {
-    uint64_t v = 0;
-    if (*text == '\0')
-        return 0;
-    for (const char* p = text; *p != '\0'; p++) {
-        if (*p < '0' || *p > '9')
-            return 0;
-        v = v * 10 + static_cast<uint64_t>(*p - '0');
-        if (v > UINT32_MAX)
-            return 0;
+// As C's atoi reads it: leading blanks, a sign, the digits up to the first
+// other character; no digits give 0. Out of int range it saturates.
+uint32_t c_number(const char* text) {
+    const char* p = text;
+    while (*p == ' ' || (*p >= '\t' && *p <= '\r'))
+        p++;
+    bool negative = *p == '-';
+    if (*p == '-' || *p == '+')
+        p++;
+    int64_t v = 0;
+    for (; *p >= '0' && *p <= '9'; p++) {
+        v = v * 10 + (*p - '0');
+        if (v > INT32_MAX)
+            break;
     }
-    return static_cast<uint32_t>(v);
+    if (negative)
+        v = v > INT32_MAX ? INT32_MIN : -v;
+    else if (v > INT32_MAX)
+        v = INT32_MAX;
+    return static_cast<uint32_t>(static_cast<int32_t>(v));
 }
 
 uint32_t read_number(const char* fmt, uint32_t i) {
     char value[kValueLen];
-    return read_option(value, sizeof value, fmt, i) ? strict_decimal(value) : 0;
+    return read_option(value, sizeof value, fmt, i) ? c_number(value) : 0;
 }
 
 uint32_t read_number(const char* key) {
     char value[kValueLen];
-    return read_option(value, sizeof value, "%s", key) ? strict_decimal(value) : 0;
+    return read_option(value, sizeof value, "%s", key) ? c_number(value) : 0;
 }
 
 }  // namespace
