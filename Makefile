@@ -10,7 +10,7 @@ TIMELINE     ?=
 CMAKE_ARGS   ?=
 ARCH          = armhf mipsel s390x  # not from the environment: make cross-test ARCH=mipsel
 
-.PHONY: all deps build run test test-plain test-asan fuzz cross-test bench callgrind clean
+.PHONY: all deps build run test test-plain test-asan fuzz cross-test bench callgrind size clean
 
 all: build
 
@@ -56,6 +56,11 @@ bench: deps
 # Instructions of one period run, by callgrind (installs valgrind if missing).
 callgrind: bench
 	tools/period-instructions $(BUILD)
+
+# What lynd-check and every device build's lynd cost a router: stripped size,
+# text, data and bss, the libraries they need.
+size: build
+	tools/size $(BUILD) $(filter-out $(BUILD)/lynd,$(wildcard build*/lynd))
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) $(CROSS_BUILD)
