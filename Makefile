@@ -10,7 +10,7 @@ TIMELINE     ?=
 CMAKE_ARGS   ?=
 ARCH          = armhf mipsel s390x  # not from the environment: make cross-test ARCH=mipsel
 
-.PHONY: all deps build run test test-plain test-asan fuzz cross-test bench callgrind mutate clean
+.PHONY: all deps build run test test-plain test-asan fuzz cross-test bench callgrind mutate size clean
 
 all: build
 
@@ -56,6 +56,11 @@ bench: deps
 # Instructions of one period run, by callgrind (installs valgrind if missing).
 callgrind: bench
 	tools/period-instructions $(BUILD)
+
+# What lynd-check and every device build's lynd cost a router: stripped size,
+# text, data and bss, the libraries they need.
+size: build
+	tools/size $(BUILD) $(filter-out $(BUILD)/lynd,$(wildcard build*/lynd))
 
 # Faults seeded one at a time, and those the tests miss (hours for the default
 # set; MUTATE_FILES=... and MUTATE_SECONDS=... narrow it).

@@ -32,7 +32,9 @@ set(LYND_OPENWRT_DIR ${CMAKE_SOURCE_DIR}/src/targets/openwrt)
 file(GLOB LYND_OPENWRT_SOURCES CONFIGURE_DEPENDS ${LYND_OPENWRT_DIR}/*.cpp)
 list(REMOVE_ITEM LYND_OPENWRT_SOURCES ${LYND_OPENWRT_DIR}/main.cpp)
 add_library(lynd_openwrt STATIC ${LYND_OPENWRT_SOURCES})
-target_include_directories(lynd_openwrt PUBLIC ${UBOX_INCLUDE_DIR} ${UBUS_INCLUDE_DIR} ${UCI_INCLUDE_DIR})
+lynd_daemon_code(lynd_openwrt)
+# Their headers are not ours to warn about (a cross build makes casts errors).
+target_include_directories(lynd_openwrt SYSTEM PUBLIC ${UBOX_INCLUDE_DIR} ${UBUS_INCLUDE_DIR} ${UCI_INCLUDE_DIR})
 target_link_libraries(lynd_openwrt PUBLIC lynd_daemon ${UBUS_LIBRARY} ${UCI_LIBRARY} ${UBOX_LIBRARY})
 
 # libkrel only exists in the vendor's SDK. For a PC, LYND_KREL_STUB links a
@@ -42,6 +44,7 @@ option(LYND_KREL_STUB "Link lynd with a stand-in for the vendor bridge library (
 find_library(KREL_LIBRARY krel)
 if(LYND_KREL_STUB)
   add_library(krel_stub STATIC ${CMAKE_SOURCE_DIR}/tools/krel-stub/krel_stub.cpp)
+  lynd_daemon_code(krel_stub)
   target_include_directories(krel_stub PRIVATE ${CMAKE_SOURCE_DIR}/src)
   set(LYND_KREL krel_stub)
 elseif(KREL_LIBRARY)
@@ -50,15 +53,19 @@ endif()
 if(LYND_KREL)
   add_executable(lynd ${LYND_OPENWRT_DIR}/main.cpp)
   target_link_libraries(lynd PRIVATE lynd_openwrt ${LYND_KREL})
+  lynd_daemon_executable(lynd)
   if(LYND_KREL_STUB)
     target_compile_definitions(lynd PRIVATE LYND_KREL_STUB=1)
   endif()
-  # libkrel reads g_dgb_lvl from the executable.
-  set_target_properties(lynd PROPERTIES ENABLE_EXPORTS ON)
+  # libkrel reads g_dgb_lvl from the executable; exporting every symbol
+  # instead would cost a fifth of the binary and keep all of them from the
+  # section collection.
+  target_link_options(lynd PRIVATE -Wl,--dynamic-list=${LYND_OPENWRT_DIR}/lynd.exports)
   install(TARGETS lynd RUNTIME DESTINATION sbin)
 else()
   add_library(lynd_device_main OBJECT ${LYND_OPENWRT_DIR}/main.cpp)
   target_link_libraries(lynd_device_main PRIVATE lynd_openwrt)
+  lynd_daemon_code(lynd_device_main)
   message(STATUS "libkrel not found: lynd_openwrt is built; the lynd executable needs libkrel (or -DLYND_KREL_STUB=ON on a PC) to link and is skipped")
 endif()
 
