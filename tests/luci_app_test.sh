@@ -12,6 +12,9 @@ work=$(mktemp -d) || exit 1
 trap 'rm -rf "$work"' EXIT
 failed=0
 
+for f in $(find "$app" -name '*.js'); do
+	"$node" --check "$f" || failed=1
+done
 $check "$app" "$table" || failed=1
 "$node" "$src/tools/luci-app-pot" "$app" >"$work/lynd.pot" &&
 	cmp -s "$work/lynd.pot" "$app/po/templates/lynd.pot" ||
