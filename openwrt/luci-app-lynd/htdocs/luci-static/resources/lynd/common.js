@@ -60,8 +60,8 @@ return baseclass.extend({
 			text += ' · ' + '%t'.format(seconds);
 		return E('span', {
 			'class': 'lynd-badge',
-			'style': 'display:inline-block;padding:1px 6px;border-radius:3px;white-space:nowrap;' +
-				'color:#212121;background:' + this.stateColour(state)
+			'style': 'display:inline-block;padding:1px 6px;border-radius:3px;white-space:nowrap;color:' +
+				(state == 'UNLINK' || state == 'ABNORMAL' ? '#fff' : '#212121') + ';background:' + this.stateColour(state)
 		}, text);
 	},
 

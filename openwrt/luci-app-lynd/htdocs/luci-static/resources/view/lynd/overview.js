@@ -11,7 +11,9 @@ function bcastPorts(br) {
 	if (br.broadcast_file_port)
 		parts.push(br.broadcast_file_port);
 	(br.bcast_ports || []).forEach(function(v) {
-		parts.push(_('VLAN %d: %s / %s').format(v.vid, lynd.orDash(v.class_0), lynd.orDash(v.class_1)));
+		if (v.class_0 || v.class_1)
+			parts.push((v.vid ? _('VLAN %d: %s / %s').format(v.vid, lynd.orDash(v.class_0), lynd.orDash(v.class_1))
+				: _('untagged: %s / %s').format(lynd.orDash(v.class_0), lynd.orDash(v.class_1))));
 	});
 	return parts.length ? parts.join(', ') : '—';
 }
@@ -69,7 +71,7 @@ return view.extend({
 			return [ p.name, p.type, lynd.stateBadge(p.state, p.state_seconds), p.changes_last_hour,
 				_('%d Mbit/s').format(p.rate), '%d %%'.format(p.util),
 				p.overload ? _('%s, overloaded').format(percent(p.quota, 10000)) : percent(p.quota, 10000),
-				p.clients, _('%d dBm, SNR %d dB').format(p.ma_rssi, p.ma_snr) ];
+				p.clients, (p.ma_rssi || p.ma_snr) ? _('%d dBm, SNR %d dB').format(p.ma_rssi, p.ma_snr) : '—' ];
 		}), E('em', _('No path is configured')));
 		return table;
 	},
