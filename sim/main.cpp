@@ -19,14 +19,14 @@
 #include <vector>
 
 #include "sim/bus_calls_file.h"
-#include "sim/replay_run.h"
+#include "sim/desk/replay_run.h"
 #include "sim/report.h"
-#include "sim/scenario.h"
-#include "sim/trace_anonymize.h"
+#include "sim/scenario/scenario.h"
+#include "sim/desk/trace_anonymize.h"
 #include "sim/sim_node.h"
-#include "sim/state_dir.h"
-#include "sim/timeline_trace.h"
-#include "sim/trace_dir.h"
+#include "sim/node/state_dir.h"
+#include "sim/timeline/timeline_trace.h"
+#include "sim/node/trace_dir.h"
 #include "trace/trace_recorder.h"
 
 namespace {

@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "event/netlink_datagram.h"
-#include "sim/netlink_craft.h"
+#include "sim/node/netlink_craft.h"
 #include "sim/report.h"
-#include "sim/scenario.h"
+#include "sim/scenario/scenario.h"
 #include "sim/sim_node.h"
-#include "sim/state_dir.h"
+#include "sim/node/state_dir.h"
 #include "scenario_text.h"
 #include "sim_fixture.h"
 
