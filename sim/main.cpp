@@ -125,6 +125,10 @@ int run_one(const lynd::Scenario& sc, Mode mode, const RunFiles& files, const st
     if (files.timeline != nullptr)
         node.record_timeline();
     g_active = ActiveRun{&node, &sc, mode, files.out_dir, files.timeline};
+    if (mode == Mode::RUN && !sc.description.empty()) {
+        std::printf("lynd-sim: scenario \"%s\": %s\n", sc.name.c_str(), sc.description.c_str());
+        std::fflush(stdout);
+    }
     lynd::RunOutcome o = node.run("lynd", extra);
     int status = conclude(o);
     if (mode == Mode::RUN && files.trace_dir.empty() && !node.trace_dir().empty())

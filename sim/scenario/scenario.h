@@ -75,6 +75,7 @@ struct Expectation {
 
 struct Scenario {
     std::string name;
+    std::string description;  // what the scenario shows, printed by a run
     int64_t duration_s = 60;
     int64_t seed = 1;
     bool has_config = false;

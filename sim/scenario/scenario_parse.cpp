@@ -24,6 +24,8 @@ constexpr size_t kMaxArgs = 64;
 constexpr size_t kMaxFilePath = 255;
 constexpr size_t kMaxFileSize = 1024 * 1024;
 constexpr size_t kMaxScenarioSize = 16 * 1024 * 1024;
+constexpr size_t kMaxTimelineEntries = 100000;
+constexpr size_t kMaxDescription = 1024;
 
 using Reader = JsonReader;
 
@@ -203,18 +205,64 @@ void parse_timeline_entry(Reader& r, json_object* o, Scenario* out, TimelineEntr
     }
 }
 
+void push_timeline_entry(Reader& r, json_object* o, int64_t at, Scenario* out) {
+    TimelineEntry e;
+    e.at_ms = at * 1000;
+    parse_timeline_entry(r, o, out, &e);
+    out->timeline.push_back(e);
+}
+
+// The event, or each of "events" at its "after", again every "every" seconds
+// from "at" up to "until" (default: the end of the run).
+void parse_repeat(Reader& r, json_object* o, json_object* rep, int64_t at, Scenario* out) {
+    static const char* const keys[] = {"every", "until", nullptr};
+    int64_t every = 0;
+    int64_t until = out->duration_s;
+    if (!json_is(rep, json_type_object) || !json_only_keys(r, rep, keys, "\"repeat\"") ||
+        !json_get_int(r, rep, "every", 1, out->duration_s, &every)) {
+        if (r.ok)
+            r.fail("\"repeat\" is an object with \"every\" (seconds) and an optional \"until\"");
+        return;
+    }
+    json_get_int(r, rep, "until", at, out->duration_s, &until);
+    static const char* const list_keys[] = {"at", "repeat", "events", nullptr};
+    json_object* events = json_array_member(r, o, "events");
+    if (events != nullptr && !json_only_keys(r, o, list_keys, "a timeline entry that repeats \"events\""))
+        return;
+    size_t per_round = events == nullptr ? 1 : json_object_array_length(events);
+    size_t rounds = static_cast<size_t>((until - at) / every + 1);
+    if (per_round > (kMaxTimelineEntries - out->timeline.size()) / rounds) {
+        r.fail("\"repeat\" makes more than " + std::to_string(kMaxTimelineEntries) + " timeline entries");
+        return;
+    }
+    for (int64_t t = at; r.ok && t <= until; t += every) {
+        for (size_t i = 0; events != nullptr && r.ok && i < per_round; i++) {
+            json_object* ev = json_object_array_get_idx(events, i);
+            int64_t after = 0;
+            if (!json_is(ev, json_type_object) || !json_get_int(r, ev, "after", 0, every - 1, &after))
+                r.fail("each of \"events\" needs an \"after\" below \"every\"");
+            else if (t + after <= until)
+                push_timeline_entry(r, ev, t + after, out);
+        }
+        if (events == nullptr)
+            push_timeline_entry(r, o, t, out);
+    }
+}
+
 void parse_timeline(Reader& r, json_object* list, Scenario* out) {
     for (size_t i = 0; list != nullptr && r.ok && i < json_object_array_length(list); i++) {
         json_object* o = json_object_array_get_idx(list, i);
-        TimelineEntry e;
         int64_t at = 0;
         if (!json_is(o, json_type_object) || !json_get_int(r, o, "at", 0, out->duration_s, &at)) {
             r.fail("timeline entry " + std::to_string(i) + " needs an \"at\" within the duration");
             return;
         }
-        e.at_ms = at * 1000;
-        parse_timeline_entry(r, o, out, &e);
-        out->timeline.push_back(e);
+        if (json_object* rep = json_member(o, "repeat"))
+            parse_repeat(r, o, rep, at, out);
+        else if (out->timeline.size() >= kMaxTimelineEntries)
+            r.fail("more than " + std::to_string(kMaxTimelineEntries) + " timeline entries");
+        else
+            push_timeline_entry(r, o, at, out);
     }
 }
 
@@ -295,6 +343,7 @@ void parse_args(Reader& r, json_object* args, Scenario* out) {
 
 void parse_top(Reader& r, json_object* root, Scenario* out) {
     json_get_string(r, root, "name", &out->name, kMaxName);
+    json_get_string(r, root, "description", &out->description, kMaxDescription);
     json_get_int(r, root, "duration", 0, 7 * 24 * 3600, &out->duration_s);
     json_get_int(r, root, "seed", INT32_MIN, INT32_MAX, &out->seed);
     if (json_object* config = json_object_member(r, root, "config")) {
