@@ -10,6 +10,12 @@ constexpr size_t IFNAME_LEN = 16;  // 15 characters and the terminator
 
 enum class HwAddrResult { OK, SOCKET_FAILED, IOCTL_FAILED };
 
+// A filesystem's room, in bytes.
+struct FsSpace {
+    uint64_t avail = 0;  // free to this user
+    uint64_t total = 0;
+};
+
 class Host {
 public:
     virtual ~Host() = default;
@@ -37,6 +43,10 @@ public:
     virtual long file_size(const char* path) = 0;
     // Replaces path with data (written whole, then renamed into place).
     virtual bool write_file(const char* path, const char* data, size_t len) = 0;
+
+    // The room of the filesystem holding path (statvfs): 0, or -errno. The
+    // recorder's own question about its trace directory, never recorded.
+    virtual int fs_space(const char* path, FsSpace* out) = 0;
 
     // 0 on success.
     virtual int close_fd(int fd) = 0;
