@@ -67,12 +67,8 @@ config_parse_result load_file(lynd_config* conf, const char* filename, config_re
     return rc;
 }
 
-[[noreturn]] void refuse(const char* filename, config_parse_result rc, const config_report& report) {
-    if (rc == config_parse_result::BAD_INTERFACE_TYPE)
-        LYND_FATAL_LINE("invalid interface type");
-    else
-        LYND_FATAL_LINE("parse config");
-    LYND_FATAL("%s: %s", filename, report.refusal);
+const char* refusal_line(config_parse_result rc) {
+    return rc == config_parse_result::BAD_INTERFACE_TYPE ? "invalid interface type" : "parse config";
 }
 
 }  // namespace
@@ -108,8 +104,10 @@ void config_load(lynd_config* conf, const char* filename) {
     pick_log_sink(conf, filename);
     config_report report{};
     config_parse_result rc = load_file(conf, filename, &report);
-    if (rc != config_parse_result::OK)
-        refuse(filename, rc, report);
+    if (rc == config_parse_result::OK)
+        return;
+    LYND_FATAL_LINE("%s", refusal_line(rc));
+    LYND_FATAL("%s: %s", filename, report.refusal);
 }
 
 void config_load_keeping(lynd_config* conf, const char* filename) {
@@ -129,8 +127,10 @@ void config_load_keeping(lynd_config* conf, const char* filename) {
     config_report again{};
     rc = config_parse(conf, g_running.text, g_running.len, &again);
     lynd_log_to_syslog(conf->syslog);
-    if (rc != config_parse_result::OK)
-        refuse(filename, rc, again);
+    if (rc == config_parse_result::OK)
+        return;
+    LYND_FATAL_LINE("%s", refusal_line(rc));
+    LYND_FATAL("%s: %s", filename, again.refusal);
 }
 
 void config_free(lynd_config* conf) {

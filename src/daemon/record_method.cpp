@@ -54,7 +54,8 @@ int record_method(lynd_config* conf, const lynd::BusMessage& args, lynd::BusRepl
     if (rc != 0)
         return refusal_status(rc);
     // A trace from a start replays: the run restarts once this reply is out.
-    LYND_WARN("record %s/%s: the daemon's run restarts to begin the trace", lynd::trace_dir(), file);
+    // The name only: the directory is the daemon's, and a replay's may differ.
+    LYND_WARN("record %s: the daemon's run restarts to begin the trace", file);
     lynd_restart_request();
     r.put_bool("record", true);
     r.put_string("file", file);

@@ -206,6 +206,12 @@ void TraceFile::append(const char* line, size_t len) {
     used_ += len;
 }
 
+void TraceFile::append_header(const char* line, size_t len) {
+    size_t before = written_;
+    append(line, len);
+    written_ = before;
+}
+
 void TraceFile::close() {
     if (fd_ >= 0) {
         (void)flush();

@@ -43,6 +43,9 @@ public:
     bool is_open() const { return fd_ >= 0; }
     // Appends one whole line. Lines longer than the buffer go out at once.
     void append(const char* line, size_t len);
+    // A file's header: not counted against its size, so a configuration
+    // larger than the size asked for still leaves room for records.
+    void append_header(const char* line, size_t len);
     // True when the next line starts a fresh file after rotation (the caller
     // then writes its header, and the line again).
     bool rotated() const { return rotated_; }

@@ -170,7 +170,7 @@ void write_header() {
     const char* config = config_running_text(&len);
     l.text("config", config, len);
     l.end();
-    g_rec.buf->file.append(l.data(), l.size());
+    g_rec.buf->file.append_header(l.data(), l.size());
 }
 
 void to_file(const char* data, size_t len) {
