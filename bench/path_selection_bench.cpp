@@ -179,11 +179,9 @@ BENCHMARK(BM_GuardedPeriodRun)->Iterations(200);
 // recording, and the bytes one run adds to the trace.
 void BM_PeriodRunRecorded(benchmark::State& state) {
     static PsNode n;
-    char path[] = "/tmp/lynd-bench-trace-XXXXXX";
-    int fd = mkstemp(path);
-    if (fd >= 0)
-        close(fd);
-    if (lynd::trace_control(path, SIZE_MAX, true) != 0) {
+    char dir[] = "/tmp/lynd-bench-XXXXXX";
+    std::string path = mkdtemp(dir) != nullptr ? std::string(dir) + "/trace" : "";
+    if (path.empty() || lynd::trace_control(path.c_str(), SIZE_MAX, true) != 0) {
         state.SkipWithError("no trace file");
         return;
     }
@@ -195,8 +193,9 @@ void BM_PeriodRunRecorded(benchmark::State& state) {
     }
     lynd::trace_finish();
     struct stat st {};
-    (void)stat(path, &st);
-    (void)unlink(path);
+    (void)stat(path.c_str(), &st);
+    (void)unlink(path.c_str());
+    (void)rmdir(dir);
     report(state, bench_allocations() - allocs, n.sim.host.runs().size() - runs, n);
     state.counters["trace bytes/run"] = benchmark::Counter(double(st.st_size) / double(state.iterations()));
 }

@@ -30,6 +30,7 @@ public:
         h_->syslog_write(priority, line, len);
     }
     long file_size(const char* path) override { return h_->file_size(path); }
+    int fs_space(const char* path, lynd::FsSpace* out) override { return h_->fs_space(path, out); }
     unsigned if_nametoindex(const char* name) override { return h_->if_nametoindex(name); }
     lynd::HwAddrResult get_hwaddr(const char* ifname, uint8_t* mac) override { return h_->get_hwaddr(ifname, mac); }
     bool if_indextoname(unsigned ifindex, char* name) override { return h_->if_indextoname(ifindex, name); }

@@ -10,6 +10,7 @@
 #include "platform/seams.h"
 #include "sim/node/netlink_craft.h"
 #include "sim/scenario/scenario_radios.h"
+#include "trace/trace_recorder.h"
 #include "wlan/qca/wlan_platform_qca.h"
 
 namespace lynd {
@@ -50,6 +51,7 @@ void SimNode::build_node() {
     for (const auto& f : sc_.failure_rules)
         bridge_.add_failure(f);
     cpu_.set_points(sc_.cpu);
+    host_.set_fs_space(static_cast<uint64_t>(sc_.fs_avail), static_cast<uint64_t>(sc_.fs_total));
     for (const auto& kv : sc_.links)
         wlan_.set_link(kv.first, kv.second);
     for (const auto& kv : sc_.stations)
@@ -109,6 +111,9 @@ void SimNode::play(const TimelineEntry& e) {
         break;
     case TimelineKind::UBUS_CALL:
         call(e);
+        break;
+    case TimelineKind::FILE:
+        host_.set_file(e.name, e.data);
         break;
     case TimelineKind::BUS:
         if (e.name == "down")
@@ -239,6 +244,10 @@ RunOutcome SimNode::run(const std::string& argv0, const std::vector<std::string>
         loop_.keep(recorder_.tick_timer());
     }
     clients_.start(sc_.clients, sc_.hc_model);
+    // Never the PC's /tmp/lynd: the run's own directory, or none until asked.
+    trace_set_dir("");
+    if (sc_.config_text.find("\"record\"") != std::string::npos)
+        use_trace_dir();
     std::vector<std::string> args{argv0};
     args.insert(args.end(), sc_.args.begin(), sc_.args.end());
     args.insert(args.end(), extra.begin(), extra.end());

@@ -54,9 +54,9 @@ public:
     SimClients& clients() { return clients_; }
     SimBus& bus() { return bus_; }
     const std::vector<BusCallRecord>& bus_calls() const { return bus_calls_; }
-    // Before run(): a trace asked for by a `record` call is written below
-    // dir on the PC (by its file's base name), never where the call says.
-    // The first such call makes dir, or a private one when none was set.
+    // Before run(): the daemon's trace directory (a `record` call's file, or
+    // the configuration's "record", is a name in it). The first such trace
+    // makes dir, or a private one when none was set.
     void set_trace_dir(const std::string& dir) { trace_dir_ = dir; }
     const std::string& trace_dir() const { return trace_dir_; }
     // Before run(): watch the run for the timeline picture.
@@ -84,7 +84,7 @@ private:
     ExpectResult judge_file(const Expectation& e) const;
     size_t count_calls(const Expectation& e) const;
     void call(const TimelineEntry& e);
-    std::string trace_call_args(const TimelineEntry& e);
+    void use_trace_dir();
     ExpectResult judge_reply(const Expectation& e) const;
     void build_node();
     void arm_timeline();
@@ -104,6 +104,7 @@ private:
     bool record_timeline_ = false;
     TimelineRecorder recorder_;
     std::string trace_dir_;
+    bool trace_dir_made_ = false;
 };
 
 }  // namespace lynd

@@ -9,6 +9,7 @@
 #include "modules/loop_avoidance/bcast_port.h"
 #include "sim/sim_node.h"
 #include "sim/node/trace_dir.h"
+#include "trace/trace_recorder.h"
 
 namespace lynd {
 
@@ -54,35 +55,22 @@ json_object* at_path(json_object* doc, const std::string& path) {
 
 }  // namespace
 
-// A record call's file, moved below the run's trace directory: the trace
-// is a real file on the PC and /tmp is shared.
-std::string SimNode::trace_call_args(const TimelineEntry& e) {
-    json_object* args = json_tokener_parse(e.data.c_str());
-    json_object* file = nullptr;
-    json_object* enable = nullptr;
-    if (args == nullptr || !json_object_is_type(args, json_type_object) ||
-        !json_object_object_get_ex(args, "enable", &enable) || !json_object_get_boolean(enable)) {
-        json_object_put(args);
-        return e.data;
-    }
-    std::string name = "lynd.trace";
-    if (json_object_object_get_ex(args, "file", &file) && json_object_is_type(file, json_type_string)) {
-        std::string given = json_object_get_string(file);
-        name = given.substr(given.rfind('/') + 1);
-    }
+// The daemon's trace directory is the run's own on the PC (/tmp is shared),
+// made when a trace is first asked for; a record call's arguments reach the
+// daemon as written, so a path in them is refused there as on the router.
+void SimNode::use_trace_dir() {
+    if (trace_dir_made_)
+        return;
     trace_dir_ = trace_dir_.empty() ? trace_dir_make() : trace_dir_at(trace_dir_.c_str());
-    // With no place on the PC the call names none, and the daemon refuses it.
-    std::string path = trace_dir_.empty() ? "" : trace_dir_ + "/" + name;
-    json_object_object_add(args, "file", json_object_new_string(path.c_str()));
-    std::string text = json_object_to_json_string_ext(args, JSON_C_TO_STRING_PLAIN);
-    json_object_put(args);
-    return text;
+    trace_dir_made_ = true;
+    trace_set_dir(trace_dir_.c_str());
 }
 
 void SimNode::call(const TimelineEntry& e) {
     std::string reply;
-    bool record = e.name == "lynd" && e.method == "record";
-    int status = bus_.call(e.name, e.method, record ? trace_call_args(e) : e.data, &reply);
+    if (e.name == "lynd" && e.method == "record")
+        use_trace_dir();
+    int status = bus_.call(e.name, e.method, e.data, &reply);
     bus_calls_.push_back(BusCallRecord{loop_.now_ms(), e.name, e.method, e.data, status, reply});
 }
 

@@ -90,7 +90,7 @@ TEST_F(ConfigDiagnosticsTest, TheFatalLineIsFollowedByTheFileAndReason) {
 
 TEST_F(ConfigDiagnosticsTest, OneWarnPerUnknownKeyAndMistypedValue) {
     std::vector<std::string> got = warnings(R"({"enable": true, "enabled": 1, "log_decisions": "on",
-        "record": "/tmp/trace",
+        "record": "trace",
         "bridges": {"br-lan": {"loop_avoidance": 1, "path_selection": "no", "hc": true}},
         "param": {"period": "ten", "short_period": "2", "high_threshold": 150, "cpu_threshold": 300,
                   "reserved_ratio_5g": -1, "weaklink_threshold_rssi_7g": 3},
@@ -149,3 +149,25 @@ TEST_F(ConfigDiagnosticsTest, LostSectionsAreErrorsAndTheSurplusIsNamed) {
 }
 
 }  // namespace
+
+// A trace is a name in the daemon's own directory: anything else writes none.
+TEST(ConfigRecordTest, ARecordThatIsNotAPlainNameIsAnErrorAndNoTrace) {
+    const char* const refused[] = {"/tmp/lynd.trace", "../x", "", ".x", "a b"};
+    for (const char* r : refused) {
+        lynd_config conf{};
+        config_report report{};
+        report.sink = [](void*, config_severity, const char*, const char*) {};
+        std::string text = std::string(R"({"record": ")") + r + R"(", "record_size": 99999999})";
+        ASSERT_EQ(config_parse_result::OK, config_parse(&conf, text.data(), text.size(), &report)) << r;
+        EXPECT_EQ(1u, report.errors) << r;
+        EXPECT_STREQ("", conf.record) << r;
+    }
+    lynd_config conf{};
+    config_report report{};
+    report.sink = [](void*, config_severity, const char*, const char*) {};
+    std::string text = R"({"record": "lynd.trace", "record_size": 99999999})";
+    ASSERT_EQ(config_parse_result::OK, config_parse(&conf, text.data(), text.size(), &report));
+    EXPECT_STREQ("lynd.trace", conf.record);
+    EXPECT_EQ(8u * 1024 * 1024, conf.record_size);  // capped, with a warning
+    EXPECT_EQ(1u, report.warnings);
+}

@@ -2,6 +2,10 @@
 // process, and the trace of the new run replays like a boot trace.
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -11,6 +15,8 @@
 #include "sim/scenario/scenario.h"
 #include "sim/sim_node.h"
 #include "sim/node/trace_dir.h"
+#include "temp_dir.h"
+#include "trace/trace_file.h"
 #include "trace/trace_recorder.h"
 
 namespace {
@@ -28,6 +34,7 @@ protected:
     void TearDown() override {
         // The bus method's trace holds for later runs of the process.
         (void)lynd::trace_control(nullptr, 0, false);
+        lynd::trace_set_writer(nullptr);
         lynd::trace_dir_remove(dir);
     }
 
@@ -48,6 +55,9 @@ protected:
         exit_status = node.run("lynd", {}).exit_status;
         calls = node.bus_calls();
         starts = node.host().count_logged("Path Selection initialized");
+        errors = node.host().count_logged("<LYND_ERR>");
+        for (const char* needle : watch)
+            seen.push_back(node.host().count_logged(needle));
     }
 
     lynd::ReplayResult replay(const std::vector<std::string>& files) {
@@ -58,17 +68,20 @@ protected:
     std::string dir;
     int exit_status = -1;
     size_t starts = 0;
+    size_t errors = 0;
+    std::vector<const char*> watch;  // log lines to count
+    std::vector<size_t> seen;
     std::vector<lynd::BusCallRecord> calls;
 };
 
 TEST_F(RecordRestartTest, TheCallIsAnsweredThenTheRunRestartsAndItsTraceReplaysIdentically) {
-    sc.timeline[0].data = "{\"enable\":true,\"file\":\"/tmp/lynd.trace\",\"size\":4194304}";
+    sc.timeline[0].data = "{\"enable\":true,\"file\":\"lynd.trace\",\"size\":4194304}";
     run();
     EXPECT_EQ(0, exit_status);
     EXPECT_EQ(2u, starts);
     ASSERT_EQ(1u, calls.size());
     EXPECT_EQ(0, calls[0].status);
-    EXPECT_EQ("{\"record\":true,\"file\":\"" + dir + "/lynd.trace\",\"size\":4194304,\"restart\":true}", calls[0].reply);
+    EXPECT_EQ("{\"record\":true,\"file\":\"lynd.trace\",\"size\":4194304,\"restart\":true}", calls[0].reply);
     std::string text = slurp(dir + "/lynd.trace");
     EXPECT_EQ(0u, text.find("{\"t\":40000,\"k\":\"header\"")) << first_line(text);
     EXPECT_NE(std::string::npos, first_line(text).find("\"start\":\"call\",\"part\":1,\"began\":40000"));
@@ -80,7 +93,7 @@ TEST_F(RecordRestartTest, TheCallIsAnsweredThenTheRunRestartsAndItsTraceReplaysI
 }
 
 TEST_F(RecordRestartTest, DisablingEndsTheTraceWithoutARestart) {
-    sc.timeline[0].data = "{\"enable\":true,\"file\":\"/tmp/lynd.trace\",\"size\":4194304}";
+    sc.timeline[0].data = "{\"enable\":true,\"file\":\"lynd.trace\",\"size\":4194304}";
     call_record(100, "{\"enable\":false}");
     run();
     EXPECT_EQ(2u, starts);
@@ -92,8 +105,8 @@ TEST_F(RecordRestartTest, DisablingEndsTheTraceWithoutARestart) {
 }
 
 TEST_F(RecordRestartTest, ASecondCallEndsTheFirstTraceAndRestartsIntoTheNewOne) {
-    sc.timeline[0].data = "{\"enable\":true,\"file\":\"/tmp/a.trace\",\"size\":4194304}";
-    call_record(100, "{\"enable\":true,\"file\":\"/tmp/b.trace\",\"size\":4194304}");
+    sc.timeline[0].data = "{\"enable\":true,\"file\":\"a.trace\",\"size\":4194304}";
+    call_record(100, "{\"enable\":true,\"file\":\"b.trace\",\"size\":4194304}");
     run();
     EXPECT_EQ(3u, starts);
     std::string a = slurp(dir + "/a.trace"), b = slurp(dir + "/b.trace");
@@ -105,6 +118,123 @@ TEST_F(RecordRestartTest, ASecondCallEndsTheFirstTraceAndRestartsIntoTheNewOne) 
     EXPECT_NE(std::string::npos, ra.report.find("over 100.000 s")) << ra.report;
     lynd::ReplayResult rb = replay({dir + "/b.trace"});
     EXPECT_TRUE(rb.identical) << rb.report;
+}
+
+// What the bus may not make the daemon do: write outside its directory,
+// replace a file that is not its trace, take more than the cap or the room.
+TEST_F(RecordRestartTest, ARefusedCallTouchesNothingRestartsNothingAndSaysWhy) {
+    lynd::trace_dir_remove(dir);
+    struct Case {
+        std::string args;
+        int status;
+    };
+    const Case cases[] = {
+        {"{\"enable\":true,\"file\":\"/tmp/victim\"}", 2},
+        {"{\"enable\":true,\"file\":\"../victim\"}", 2},
+        {"{\"enable\":true,\"file\":\"\"}", 2},
+        {"{\"enable\":true,\"file\":\"..\"}", 2},
+        {"{\"enable\":true,\"file\":\"foreign\"}", 9},
+        {"{\"enable\":true,\"file\":\"lynd.trace\",\"size\":2147483647}", 2},
+    };
+    for (const auto& c : cases) {
+        TempDir place;
+        dir = place.path;
+        std::string victim = dir + "/victim";
+        std::string traces = dir + "/traces";
+        std::ofstream(victim) << "precious";
+        ASSERT_EQ(0, mkdir(traces.c_str(), 0700));
+        std::ofstream(traces + "/foreign") << "{\"enable\": true}";
+        sc.timeline[0].data = c.args;
+        calls.clear();
+        lynd::SimNode node(sc);
+        node.set_trace_dir(traces);
+        exit_status = node.run("lynd", {}).exit_status;
+        ASSERT_EQ(1u, node.bus_calls().size()) << c.args;
+        EXPECT_EQ(c.status, node.bus_calls()[0].status) << c.args;
+        EXPECT_EQ(1u, node.host().count_logged("<LYND_ERR>[trace_call_request")) << c.args;
+        EXPECT_EQ(1u, node.host().count_logged("Path Selection initialized")) << c.args << ": no restart";
+        EXPECT_EQ("precious", slurp(victim)) << c.args;
+        EXPECT_EQ("{\"enable\": true}", slurp(traces + "/foreign")) << c.args;
+        struct stat st {};
+        EXPECT_NE(0, stat((traces + "/lynd.trace").c_str(), &st)) << c.args;
+        lynd::trace_dir_remove(traces);
+        dir.clear();
+    }
+    dir = lynd::trace_dir_make();
+}
+
+TEST_F(RecordRestartTest, TooLittleRoomOnTheFilesystemRefusesTheCall) {
+    sc.timeline[0].data = "{\"enable\":true,\"file\":\"lynd.trace\",\"size\":4194304}";
+    sc.fs_avail = 20 << 20;  // 8 MiB of traces would leave 12 of 64, under a quarter
+    sc.fs_total = 64 << 20;
+    watch = {"would leave too little room"};
+    run();
+    ASSERT_EQ(1u, calls.size());
+    EXPECT_EQ(9, calls[0].status);
+    EXPECT_EQ(1u, seen[0]);
+    EXPECT_EQ(1u, starts);
+}
+
+size_t g_room = 0;
+ssize_t fill_up(int fd, const void* p, size_t n) {
+    if (g_room == 0) {
+        errno = ENOSPC;
+        return -1;
+    }
+    size_t k = n < g_room ? n : g_room;
+    g_room -= k;
+    return write(fd, p, k);
+}
+
+TEST_F(RecordRestartTest, AFullFilesystemEndsTheTraceWithOneLineAndTheDaemonGoesOn) {
+    sc.timeline[0].data = "{\"enable\":true,\"file\":\"lynd.trace\",\"size\":4194304}";
+    g_room = 100000;
+    lynd::trace_set_writer(fill_up);
+    watch = {"No space left on device: the trace ends here"};
+    run();
+    EXPECT_EQ(0, exit_status);
+    EXPECT_EQ(2u, starts);
+    EXPECT_EQ(1u, seen[0]);
+    EXPECT_EQ(1u, errors);
+    std::string text = slurp(dir + "/lynd.trace");
+    ASSERT_FALSE(text.empty());
+    EXPECT_LE(text.size(), 100000u);
+    EXPECT_EQ('\n', text.back()) << "cut back to its last whole line";
+    EXPECT_EQ(0u, text.find("{\"t\":40000,\"k\":\"header\""));
+}
+
+TEST_F(RecordRestartTest, ARestartWhoseFileNoLongerLoadsKeepsTheRunningConfiguration) {
+    lynd::TimelineEntry broken;
+    broken.at_ms = 30000;
+    broken.kind = lynd::TimelineKind::FILE;
+    broken.name = "/etc/lynd.json";
+    broken.data = "{\"enable\": true, \"bridges\": ";
+    sc.timeline[0].data = "{\"enable\":true,\"file\":\"lynd.trace\",\"size\":4194304}";
+    sc.timeline.insert(sc.timeline.begin(), broken);
+    watch = {"/etc/lynd.json no longer loads", "the running configuration stays"};
+    run();
+    EXPECT_EQ(0, exit_status);
+    EXPECT_EQ(2u, starts);
+    EXPECT_EQ(1u, seen[0]);
+    EXPECT_EQ(1u, seen[1]);
+    std::string text = slurp(dir + "/lynd.trace");
+    EXPECT_NE(std::string::npos, first_line(text).find("\\\"param\\\"")) << "the header holds the running configuration";
+    lynd::ReplayResult r = replay({dir + "/lynd.trace"});
+    EXPECT_TRUE(r.identical) << r.report;
+}
+
+TEST_F(RecordRestartTest, AConfigurationOfNearlyTheLargestSizeIsRecordedAndReplays) {
+    size_t brace = sc.config_text.rfind('}');
+    sc.config_text.insert(brace, std::string(250 * 1024, ' ') + "\n");
+    sc.timeline[0].data = "{\"enable\":true,\"file\":\"lynd.trace\",\"size\":4194304}";
+    run();
+    ASSERT_EQ(1u, calls.size());
+    EXPECT_EQ(0, calls[0].status);
+    EXPECT_EQ(2u, starts);
+    std::string text = slurp(dir + "/lynd.trace");
+    EXPECT_GT(first_line(text).size(), 250u * 1024);
+    lynd::ReplayResult r = replay({dir + "/lynd.trace"});
+    EXPECT_TRUE(r.identical) << r.report;
 }
 
 }  // namespace

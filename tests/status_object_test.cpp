@@ -19,6 +19,7 @@
 #include "modules/path_selection/path_insight.h"
 #include "ps_fixture.h"
 #include "temp_dir.h"
+#include "trace/trace_recorder.h"
 
 namespace {
 
@@ -377,21 +378,25 @@ TEST_F(StatusObjectTest, RecordAsksForARestartOnlyWhenItsFileCanBeMade) {
     TempDir tmp;
     ASSERT_FALSE(tmp.path.empty());
     const std::string& dir = tmp.path;
-    std::string path = dir + "/trace";
-    (void)call("record", "{\"file\":\"relative\",\"enable\":true}", lynd::BUS_STATUS_INVALID_ARGUMENT);
-    (void)call("record", "{\"file\":\"/tmp/x\"}", lynd::BUS_STATUS_INVALID_ARGUMENT);
-    (void)call("record", "{\"file\":\"" + dir + "/no/trace\",\"enable\":true}",
-               lynd::BUS_STATUS_UNKNOWN_ERROR);
+    lynd::trace_set_dir(dir.c_str());
+    (void)call("record", "{\"file\":\"" + dir + "/trace\",\"enable\":true}", lynd::BUS_STATUS_INVALID_ARGUMENT);
+    (void)call("record", "{\"file\":\"no/trace\",\"enable\":true}", lynd::BUS_STATUS_INVALID_ARGUMENT);
+    (void)call("record", "{\"file\":\"x\"}", lynd::BUS_STATUS_INVALID_ARGUMENT);
+    lynd::trace_set_dir((dir + "/gone/deeper").c_str());
+    (void)call("record", "{\"file\":\"trace\",\"enable\":true}", lynd::BUS_STATUS_UNKNOWN_ERROR);
+    lynd::trace_set_dir(dir.c_str());
     EXPECT_FALSE(lynd_restart_requested());
-    Reply on(call("record", "{\"file\":\"" + path + "\",\"enable\":true,\"size\":100}"));
+    Reply on(call("record", "{\"file\":\"trace\",\"enable\":true,\"size\":100}"));
     EXPECT_TRUE(on.flag("record"));
     EXPECT_TRUE(on.flag("restart"));
-    EXPECT_EQ(path, on.str("file"));
+    EXPECT_EQ("trace", on.str("file"));
     EXPECT_EQ(16384, on.num("size"));  // the least a part holds
     EXPECT_TRUE(lynd_restart_requested());
-    EXPECT_EQ(0, access(path.c_str(), F_OK));
+    // The file is made at the restart, where the trace begins.
+    EXPECT_NE(0, access((dir + "/trace").c_str(), F_OK));
     EXPECT_EQ(&bridge, &lynd::krel());  // nothing recorded before the restart
     Reply off(call("record", "{\"enable\":false}"));
     EXPECT_FALSE(off.flag("record"));
     EXPECT_FALSE(off.flag("restart"));
+    lynd::trace_set_dir("/tmp/lynd");
 }

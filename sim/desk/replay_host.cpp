@@ -139,6 +139,16 @@ long ReplayHost::file_size(const char* path) {
     return static_cast<long>(rc_of(l, -1));
 }
 
+int ReplayHost::fs_space(const char*, FsSpace* out) {
+    TraceLine& l = tape_->begin("fs");
+    const TraceRecord* r = tape_->take(l);
+    if (r == nullptr)
+        return -EIO;
+    out->avail = static_cast<uint64_t>(r->num("avail", 0));
+    out->total = static_cast<uint64_t>(r->num("total", 0));
+    return static_cast<int>(r->num("rc", -EIO));
+}
+
 bool ReplayHost::write_file(const char* path, const char* data, size_t len) {
     TraceLine& l = tape_->begin("write");
     req_write(l, path, data, len);

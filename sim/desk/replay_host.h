@@ -24,6 +24,7 @@ public:
     bool if_indextoname(unsigned ifindex, char* name) override;
     long read_file(const char* path, char* buf, size_t size) override;
     long file_size(const char* path) override;
+    int fs_space(const char* path, FsSpace* out) override;
     bool write_file(const char* path, const char* data, size_t len) override;
     int close_fd(int fd) override;
     int dgram_socket() override;

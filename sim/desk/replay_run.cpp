@@ -5,7 +5,9 @@
 #include <cstring>
 
 #include "core/decision_ring.h"
+#include "config/config.h"
 #include "daemon/lynd_main.h"
+#include "daemon/restart_request.h"
 #include "platform/seams.h"
 #include "sim/desk/replay_answers.h"
 #include "sim/desk/replay_bus.h"
@@ -114,7 +116,14 @@ int run_daemon(const TraceHeader& header, const std::vector<std::string>& extra)
     for (auto& a : args)
         argv.push_back(&a[0]);
     argv.push_back(nullptr);
-    return lynd_main(static_cast<int>(args.size()), argv.data());
+    // A record call's restart: a configuration file that no longer loads
+    // fell back to the one the daemon ran with, which the header holds.
+    bool call = trace.header.start == "call";
+    lynd_set_restarting(call);
+    (void)config_set_running_text(call ? trace.header.config.data() : nullptr, call ? trace.header.config.size() : 0);
+    int rc = lynd_main(static_cast<int>(args.size()), argv.data());
+    lynd_set_restarting(false);
+    return rc;
 }
 
 // Path states come from the daemon's own decisions, so they are there at

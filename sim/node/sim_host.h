@@ -102,6 +102,11 @@ public:
     bool if_indextoname(unsigned ifindex, char* name) override;
     long read_file(const char* path, char* buf, size_t size) override;
     long file_size(const char* path) override;
+    int fs_space(const char* path, FsSpace* out) override;
+    void set_fs_space(uint64_t avail, uint64_t total) {
+        fs_.avail = avail;
+        fs_.total = total;
+    }
     bool write_file(const char* path, const char* data, size_t len) override;
     int close_fd(int fd) override;
     int dgram_socket() override;
@@ -118,6 +123,7 @@ public:
     void ignore_sigpipe() override {}
 
 private:
+    FsSpace fs_{uint64_t{1} << 30, uint64_t{2} << 30};
     static constexpr int kFirstNlFd = 100;
     static constexpr int kFirstSocketFd = 1000;
 

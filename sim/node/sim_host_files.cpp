@@ -34,6 +34,11 @@ long SimHost::file_size(const char* path) {
     return it == files_.end() ? -1 : static_cast<long>(it->second.size());
 }
 
+int SimHost::fs_space(const char*, FsSpace* out) {
+    *out = fs_;
+    return 0;
+}
+
 int SimHost::writes(const std::string& path) const {
     auto it = writes_.find(path);
     return it == writes_.end() ? 0 : it->second;

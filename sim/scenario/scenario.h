@@ -29,7 +29,8 @@ struct ScenarioBridge {
 };
 
 // CLIENT: kept by the client model; UBUS_CALL: a method call on an object.
-enum class TimelineKind { UBUS, NETLINK, STATION_EXPIRED, LINK, UCI, BUS, CLIENT, UBUS_CALL };
+// FILE: a file of the node is written anew (name its path, data its content).
+enum class TimelineKind { UBUS, NETLINK, STATION_EXPIRED, LINK, UCI, BUS, CLIENT, UBUS_CALL, FILE };
 
 struct TimelineEntry {
     int64_t at_ms = 0;
@@ -90,6 +91,9 @@ struct Scenario {
     std::vector<SimFailure> failure_rules;        // calls failing for a port or a span of time
     std::map<std::string, std::string> files;    // path -> raw content; wins over config
     std::vector<CpuPoint> cpu;
+    // node.trace_fs: the room of the filesystem the daemon's traces go to.
+    int64_t fs_avail = int64_t{1} << 30;
+    int64_t fs_total = int64_t{2} << 30;
     std::map<std::string, SimLink> links;
     std::map<std::string, std::vector<SimStation>> stations;
     std::vector<SimClient> clients;

@@ -1,6 +1,7 @@
 #include <json-c/json.h>
 
 #include <cctype>
+#include <cstdint>
 #include <cstring>
 
 #include "config/config.h"
@@ -157,6 +158,10 @@ void parse_node(Reader& r, json_object* node, Scenario* out) {
     parse_interfaces(r, json_array_member(r, node, "interfaces"), out);
     parse_bridges(r, json_array_member(r, node, "bridges"), out);
     parse_node_cpu(r, node, out);
+    if (json_object* fs = json_object_member(r, node, "trace_fs")) {
+        (void)json_get_int(r, fs, "avail", 0, INT64_MAX, &out->fs_avail);
+        (void)json_get_int(r, fs, "total", 0, INT64_MAX, &out->fs_total);
+    }
     parse_node_mesh(r, node, out);
     parse_hc_model(r, node, out);
 }
@@ -202,14 +207,18 @@ void parse_timeline_entry(Reader& r, json_object* o, Scenario* out, TimelineEntr
         e->kind = TimelineKind::BUS;
         if (e->name != "down" && e->name != "up")
             r.fail("\"bus\" is \"down\" or \"up\"");
+    } else if (json_get_string(r, o, "file", &e->name, kMaxName)) {
+        e->kind = TimelineKind::FILE;
+        if (!json_get_string(r, o, "content", &e->data, LYND_CONFIG_MAX_SIZE))
+            r.fail("a \"file\" entry gives its \"content\" as a string");
     } else if (json_object* uci = json_object_member(r, o, "uci")) {
         e->kind = TimelineKind::UCI;
         Scenario scratch;
         parse_uci(r, uci, &scratch);
         e->data = json_object_to_json_string_ext(uci, JSON_C_TO_STRING_PLAIN);
     } else if (r.ok) {
-        r.fail("timeline entry of an unknown kind (ubus, ubus_call, netlink, station_expired, link, uci, bus, client_join "
-               "or client_leave)");
+        r.fail("timeline entry of an unknown kind (ubus, ubus_call, netlink, station_expired, link, uci, bus, file, "
+               "client_join or client_leave)");
     }
 }
 

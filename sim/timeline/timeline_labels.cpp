@@ -66,6 +66,8 @@ std::string event_label(const TimelineEntry& e) {
         return "client joins or leaves";
     case TimelineKind::UBUS_CALL:
         return "ubus call " + e.name + " " + e.method;
+    case TimelineKind::FILE:
+        return "file " + e.name;
     }
     return "";
 }

@@ -260,7 +260,7 @@ config_parse_result config_parse(lynd_config* conf, const char* text, size_t len
     conf->shadow = json_bool_or(root, "shadow", false);
     conf->syslog = json_bool_or(root, "syslog", false);
     conf->log_decisions = json_bool_or(root, "log_decisions", false);
-    config_load_record(conf, root);
+    config_load_record(conf, root, report);
     config_parse_result rc = config_parse_result::OK;
     if (json_object* bridges = section(report, root, "bridges"))
         load_bridges(conf, bridges, report);

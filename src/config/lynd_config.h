@@ -51,7 +51,7 @@ struct lynd_config {
     bool shadow;  // decide and tell, steer nothing
     bool syslog;         // log lines go to syslog instead of the console
     bool log_decisions;  // a log line per decision, at the default level
-    char record[LYND_RECORD_PATH_LEN];  // the trace file, empty for none
+    char record[LYND_RECORD_PATH_LEN];  // the trace's file name, empty for none
     uint32_t record_size;               // bytes of each of its two files
     uint64_t n_bridges;
     conf_bridge bridges[LYND_MAX_BRIDGES];

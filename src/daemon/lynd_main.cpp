@@ -86,7 +86,6 @@ int lynd_main_with(int argc, char** argv, const lynd_module_table& modules) {
     case lynd_option_action::TEST:
         return end_early(0);
     }
-    lynd::trace_watch_config(opt.config_path);
     g_dgb_lvl = g_lynd_dgb_lvl;
     LYND_LOG_AS(kFn, "set libkrel g_dgb_lvl=%d!", g_dgb_lvl);
     int64_t started_ms = lynd_monotonic_ms();
@@ -95,7 +94,12 @@ int lynd_main_with(int argc, char** argv, const lynd_module_table& modules) {
     *conf = lynd_config{};
     lynd_list_init(&conf->modules);
 
-    config_load(conf, opt.config_path);
+    if (lynd_restarting()) {
+        config_load_keeping(conf, opt.config_path);
+    } else {
+        (void)config_set_running_text(nullptr, 0);
+        config_load(conf, opt.config_path);
+    }
     lynd::trace_settle(conf->record, conf->record_size);
     if (!conf->enable) {
         LYND_ERR_AS(kFn, "lynd disabled");

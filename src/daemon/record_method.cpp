@@ -1,6 +1,7 @@
 #include "daemon/record_method.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 #include "config/config_record.h"
@@ -22,13 +23,17 @@ enum { A_ENABLE, A_FILE, A_SIZE, A_COUNT };
 int stop(lynd::BusReply& r) {
     const char* was = lynd::trace_recording() ? lynd::trace_path() : "";
     char ended[lynd::TRACE_PATH_MAX];
-    std::strncpy(ended, was, sizeof ended - 1);
-    ended[sizeof ended - 1] = '\0';
+    std::snprintf(ended, sizeof ended, "%s", was);
     (void)lynd::trace_control(nullptr, 0, false);
     r.put_bool("record", false);
     r.put_string("file", ended);
     r.put_bool("restart", false);
     return lynd::BUS_STATUS_OK;
+}
+
+// A refusal's status: what the caller got wrong, or what the node lacks.
+int refusal_status(int rc) {
+    return rc == -EINVAL || rc == -EFBIG ? lynd::BUS_STATUS_INVALID_ARGUMENT : lynd::BUS_STATUS_UNKNOWN_ERROR;
 }
 
 }  // namespace
@@ -45,14 +50,11 @@ int record_method(lynd_config* conf, const lynd::BusMessage& args, lynd::BusRepl
     size_t size = conf->record_size;
     if (tb[A_SIZE] != nullptr && tb[A_SIZE]->i > 0)
         size = static_cast<size_t>(tb[A_SIZE]->i < LYND_RECORD_SIZE_MIN ? LYND_RECORD_SIZE_MIN : tb[A_SIZE]->i);
-    if (file == nullptr || file[0] != '/')
-        return lynd::BUS_STATUS_INVALID_ARGUMENT;
-    int rc = lynd::trace_call_request(file, size);
-    if (rc != 0) {
-        LYND_ERR("record %s: %s", file, std::strerror(-rc));
-        return lynd::BUS_STATUS_UNKNOWN_ERROR;
-    }
+    int rc = lynd::trace_call_request(file != nullptr ? file : "", size);
+    if (rc != 0)
+        return refusal_status(rc);
     // A trace from a start replays: the run restarts once this reply is out.
+    // The name only: the directory is the daemon's, and a replay's may differ.
     LYND_WARN("record %s: the daemon's run restarts to begin the trace", file);
     lynd_restart_request();
     r.put_bool("record", true);

@@ -5,6 +5,7 @@
 namespace {
 
 bool g_restart = false;
+bool g_restarting = false;
 
 }  // namespace
 
@@ -16,3 +17,7 @@ void lynd_restart_request() {
 bool lynd_restart_requested() { return g_restart; }
 
 void lynd_restart_reset() { g_restart = false; }
+
+void lynd_set_restarting(bool restarting) { g_restarting = restarting; }
+
+bool lynd_restarting() { return g_restarting; }

@@ -6,3 +6,7 @@
 void lynd_restart_request();
 bool lynd_restart_requested();
 void lynd_restart_reset();
+// Set while a run follows another in the process (or replays one that
+// did): its configuration file may fall back to the running one.
+void lynd_set_restarting(bool restarting);
+bool lynd_restarting();

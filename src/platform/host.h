@@ -15,6 +15,11 @@ enum class HwAddrResult { OK, SOCKET_FAILED, IOCTL_FAILED };
 constexpr int TOOL_DEADLINE_MS = 3000;
 // A run's result when the tool was killed at its deadline.
 constexpr int TOOL_TIMED_OUT = -2;
+// A filesystem's room, in bytes.
+struct FsSpace {
+    uint64_t avail = 0;  // free to this user
+    uint64_t total = 0;
+};
 
 class Host {
 public:
@@ -45,6 +50,10 @@ public:
     virtual long file_size(const char* path) = 0;
     // Replaces path with data (written whole, then renamed into place).
     virtual bool write_file(const char* path, const char* data, size_t len) = 0;
+
+    // The room of the filesystem holding path (statvfs): 0, or -errno. The
+    // recorder's own question about its trace directory, never recorded.
+    virtual int fs_space(const char* path, FsSpace* out) = 0;
 
     // 0 on success.
     virtual int close_fd(int fd) = 0;

@@ -3,6 +3,7 @@
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
+#include <new>
 
 namespace lynd {
 
@@ -19,9 +20,7 @@ bool next_attr(const BusMessage& msg, size_t* pos, BusAttr* a) {
 
 }  // namespace
 
-void bus_msg_json(TraceLine& l, const char* key, const BusMessage& msg) {
-    // Kept off the stack: one message is written at a time.
-    static TraceReply arr;
+void bus_msg_json(TraceLine& l, const char* key, const BusMessage& msg, TraceReply& arr) {
     arr.reset(nullptr);
     arr.open_array(nullptr);
     size_t pos = 0;
@@ -54,6 +53,13 @@ void bus_msg_json(TraceLine& l, const char* key, const BusMessage& msg) {
         l.num("malformed", 1);
 }
 
+TraceReply::TraceReply(BusReply* fwd, size_t capacity) : fwd_(fwd) {
+    buf_ = new (std::nothrow) char[capacity];
+    cap_ = buf_ != nullptr ? capacity : 0;
+}
+
+TraceReply::~TraceReply() { delete[] buf_; }
+
 void TraceReply::reset(BusReply* fwd) {
     fwd_ = fwd;
     len_ = 0;
@@ -62,7 +68,7 @@ void TraceReply::reset(BusReply* fwd) {
 }
 
 void TraceReply::put(const char* s, size_t n) {
-    if (overflow_ || n >= sizeof buf_ - len_ - kDepth) {
+    if (overflow_ || cap_ < kDepth + 1 || n >= cap_ - len_ - kDepth) {
         overflow_ = true;
         return;
     }
@@ -189,6 +195,8 @@ const char* TraceReply::text() {
     size_t keep = len_;
     for (int d = depth_ - 1; d >= 0; d--)
         put(in_array_[d] ? "]" : "}", 1);
+    if (buf_ == nullptr)
+        return "null";
     buf_[len_] = '\0';
     len_ = keep;
     return overflow_ ? "null" : buf_;

@@ -8,14 +8,23 @@
 
 namespace lynd {
 
-// The top-level attributes of msg under key; nested tables and arrays
-// carry their type only.
-void bus_msg_json(TraceLine& l, const char* key, const BusMessage& msg);
+class TraceReply;
+
+// The top-level attributes of msg under key, built in scratch; nested tables
+// and arrays carry their type only.
+void bus_msg_json(TraceLine& l, const char* key, const BusMessage& msg, TraceReply& scratch);
+
+constexpr size_t TRACE_REPLY_MAX = 64 * 1024;
 
 // A reply as JSON text, passed on to fwd as it is built (fwd may be null).
+// Its buffer is the heap's, taken when it is made.
 class TraceReply : public BusReply {
 public:
-    explicit TraceReply(BusReply* fwd = nullptr) : fwd_(fwd) {}
+    explicit TraceReply(BusReply* fwd = nullptr, size_t capacity = TRACE_REPLY_MAX);
+    ~TraceReply() override;
+    TraceReply(const TraceReply&) = delete;
+    TraceReply& operator=(const TraceReply&) = delete;
+    bool has_buffer() const { return buf_ != nullptr; }
     // Empty again, passing on to fwd.
     void reset(BusReply* fwd);
     void open_table(const char* name) override;
@@ -37,7 +46,8 @@ private:
 
     static constexpr int kDepth = 16;
     BusReply* fwd_ = nullptr;
-    char buf_[64 * 1024];
+    char* buf_ = nullptr;
+    size_t cap_ = 0;
     size_t len_ = 0;
     bool overflow_ = false;
     int depth_ = 0;

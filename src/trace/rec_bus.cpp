@@ -21,10 +21,12 @@ int RecBus::connect() { return record_rc("b_connect", in_->connect()); }
 
 void RecBus::on_event(void* ctx, const char* type, const BusMessage& msg) {
     auto* self = static_cast<RecBus*>(ctx);
-    TraceLine& l = trace_begin("event");
-    l.str("name", type);
-    bus_msg_json(l, "msg", msg);
-    trace_emit();
+    if (self->msg_ != nullptr) {
+        TraceLine& l = trace_begin("event");
+        l.str("name", type);
+        bus_msg_json(l, "msg", msg, *self->msg_);
+        trace_emit();
+    }
     self->event_(self->event_ctx_, type, msg);
 }
 
@@ -79,18 +81,24 @@ int RecBus::reconnect() { return record_rc("b_reconnect", in_->reconnect()); }
 
 int RecBus::on_call(void* ctx, const char* method, const BusMessage& args, BusReply& reply) {
     auto* self = static_cast<RecBus*>(ctx);
+    // The trace ended: the object stays registered through here.
+    if (self->reply_ == nullptr || self->msg_ == nullptr)
+        return self->inner_object_.handler(self->inner_object_.ctx, method, args, reply);
     TraceLine& l = trace_begin("call");
     l.str("method", method);
-    bus_msg_json(l, "args", args);
+    bus_msg_json(l, "args", args, *self->msg_);
     trace_emit();
-    self->reply_.reset(&reply);
-    int rc = self->inner_object_.handler(self->inner_object_.ctx, method, args, self->reply_);
+    TraceReply* scratch = self->reply_;
+    scratch->reset(&reply);
+    trace_hold();
+    int rc = self->inner_object_.handler(self->inner_object_.ctx, method, args, *scratch);
     TraceLine& r = trace_begin("reply");
     r.num("status", rc);
-    const char* text = self->reply_.text();
+    const char* text = scratch->text();
     if (rc == BUS_STATUS_OK)
         r.raw("data", text, std::strlen(text));
     trace_emit();
+    trace_unhold();
     return rc;
 }
 

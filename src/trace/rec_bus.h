@@ -10,6 +10,12 @@ class RecBus : public Bus {
 public:
     void set_inner(Bus* inner) { in_ = inner; }
     Bus* inner() const { return in_; }
+    // The recorder's buffers for a reply and a message (null: none, and
+    // calls go straight through).
+    void set_scratch(TraceReply* reply, TraceReply* msg) {
+        reply_ = reply;
+        msg_ = msg;
+    }
 
     int connect() override;
     int register_event_handler(const char* pattern, BusEventHandler handler, void* ctx) override;
@@ -32,7 +38,8 @@ private:
     void* lost_ctx_ = nullptr;
     BusObject object_{};
     BusObject inner_object_{};
-    TraceReply reply_;
+    TraceReply* reply_ = nullptr;
+    TraceReply* msg_ = nullptr;
 };
 
 }  // namespace lynd

@@ -9,9 +9,6 @@ namespace lynd {
 
 namespace {
 
-char g_config[TRACE_LINE_MAX / 2];
-size_t g_config_len = 0;
-
 int simple(const char* kind, int rc) {
     TraceLine& l = trace_begin(kind);
     l.num("rc", rc);
@@ -29,16 +26,6 @@ int with_number(const char* kind, const char* key, int64_t value, int rc) {
 }
 
 }  // namespace
-
-const char* rec_host_config_text(size_t* len) {
-    *len = g_config_len;
-    return g_config;
-}
-
-void RecHost::watch_config(const char* path) {
-    config_path_ = path;
-    g_config_len = 0;
-}
 
 int RecHost::run_capture(const char* const argv[], char* out, size_t size) {
     int rc = in_->run_capture(argv, out, size);
@@ -115,11 +102,6 @@ long RecHost::read_file(const char* path, char* buf, size_t size) {
     if (rc > 0)
         l.text("data", buf, n);
     trace_emit();
-    if (config_path_ != nullptr && std::strcmp(path, config_path_) == 0 && n <= sizeof g_config) {
-        std::memcpy(g_config, buf, n);
-        g_config_len = n;
-        config_path_ = nullptr;
-    }
     return rc;
 }
 
@@ -128,6 +110,20 @@ long RecHost::file_size(const char* path) {
     TraceLine& l = trace_begin("fsize");
     l.str("path", path);
     l.num("rc", rc);
+    trace_emit();
+    return rc;
+}
+
+// The path is the daemon's own trace directory, not an input: left out, so
+// a replay with the directory elsewhere asks the same question.
+int RecHost::fs_space(const char* path, FsSpace* out) {
+    int rc = in_->fs_space(path, out);
+    TraceLine& l = trace_begin("fs");
+    l.num("rc", rc);
+    if (rc == 0) {
+        l.num("avail", static_cast<int64_t>(out->avail));
+        l.num("total", static_cast<int64_t>(out->total));
+    }
     trace_emit();
     return rc;
 }

@@ -9,9 +9,6 @@ class RecHost : public Host {
 public:
     void set_inner(Host* inner) { in_ = inner; }
     Host* inner() const { return in_; }
-    // The first read of this path is kept for the trace's header.
-    // A run that cannot read the file records no text, not an older run's.
-    void watch_config(const char* path);
 
     int run_capture(const char* const argv[], char* out, size_t size) override;
     int run_status(const char* const argv[]) override;
@@ -22,6 +19,7 @@ public:
     bool if_indextoname(unsigned ifindex, char* name) override;
     long read_file(const char* path, char* buf, size_t size) override;
     long file_size(const char* path) override;
+    int fs_space(const char* path, FsSpace* out) override;
     bool write_file(const char* path, const char* data, size_t len) override;
     int close_fd(int fd) override;
     int dgram_socket() override;
@@ -39,11 +37,7 @@ public:
 
 private:
     Host* in_ = nullptr;
-    const char* config_path_ = nullptr;
     NlFamilies families_;
 };
-
-// The configuration text as the daemon read it at start.
-const char* rec_host_config_text(size_t* len);
 
 }  // namespace lynd

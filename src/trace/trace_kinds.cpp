@@ -14,7 +14,7 @@ const char* const kCalls[] = {
     // loop
     "loop_init", "loop_done", "timer_set", "timer_cancel", "timer_left", "fd_add", "fd_del", "loop_end", "now",
     // host
-    "run", "status", "log", "syslog", "ifindex", "hwaddr", "ifname", "read", "fsize", "write", "close", "dgram", "ioctl", "packet",
+    "run", "status", "log", "syslog", "ifindex", "hwaddr", "ifname", "read", "fsize", "fs", "write", "close", "dgram", "ioctl", "packet",
     "send", "nl_socket", "nl_bind", "nl_recv", "mono", "wall", "pid", "sigpipe",
     // uci
     "uci",

@@ -3,6 +3,7 @@
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
+#include <new>
 
 namespace lynd {
 
@@ -24,6 +25,16 @@ bool trace_is_plain_text(const char* s, size_t n) {
     return true;
 }
 
+TraceLine::TraceLine(size_t capacity) {
+    if (capacity == 0)
+        return;
+    buf_ = new (std::nothrow) char[capacity];
+    cap_ = buf_ != nullptr ? capacity : 0;
+    lacking_ = buf_ == nullptr;
+}
+
+TraceLine::~TraceLine() { delete[] buf_; }
+
 void TraceLine::begin(int64_t t, const char* kind) {
     len_ = 0;
     overflow_ = false;
@@ -34,7 +45,7 @@ void TraceLine::begin(int64_t t, const char* kind) {
 }
 
 void TraceLine::put(const char* s, size_t n) {
-    if (overflow_ || n > sizeof buf_ - 2 - len_) {
+    if (overflow_ || cap_ < 2 || n > cap_ - 2 - len_) {
         overflow_ = true;
         return;
     }
@@ -129,7 +140,11 @@ void TraceLine::hex(const char* k, const void* p, size_t n) {
     put_char('"');
     if (overflow_)
         return;
-    size_t room = sizeof buf_ - 2 - len_;
+    if (cap_ < 2) {
+        overflow_ = true;
+        return;
+    }
+    size_t room = cap_ - 2 - len_;
     size_t m = trace_hex(buf_ + len_, room, p, n);
     if (m > room) {
         overflow_ = true;

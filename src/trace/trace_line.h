@@ -7,11 +7,22 @@
 
 namespace lynd {
 
-// Room for a full hc table of the initial capacity in hex, and then some.
-constexpr size_t TRACE_LINE_MAX = 256 * 1024;
+// Room for a configuration file of the largest size the loader takes (256
+// KiB) read whole, in hex or escaped (twice its bytes), and a full hc table.
+constexpr size_t TRACE_LINE_MAX = 528 * 1024;
 
+// The buffer is the heap's, taken when the line is made: a recorder holds
+// its lines only while it records. A line of capacity 0 (or one whose
+// buffer could not be had) takes nothing and is always cut.
 class TraceLine {
 public:
+    explicit TraceLine(size_t capacity = TRACE_LINE_MAX);
+    ~TraceLine();
+    TraceLine(const TraceLine&) = delete;
+    TraceLine& operator=(const TraceLine&) = delete;
+    // False when the buffer asked for could not be had.
+    bool has_buffer() const { return !lacking_; }
+
     // {"t":T,"k":"KIND"
     void begin(int64_t t, const char* kind);
     void str(const char* key, const char* s);
@@ -38,7 +49,9 @@ private:
     void put_char(char c);
     void put_escaped(const char* s, size_t n);
 
-    char buf_[TRACE_LINE_MAX];
+    char* buf_ = nullptr;
+    size_t cap_ = 0;
+    bool lacking_ = false;
     size_t len_ = 0;
     bool overflow_ = false;
 };

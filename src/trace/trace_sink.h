@@ -8,5 +8,10 @@ namespace lynd {
 TraceLine& trace_begin(const char* kind);
 // Ends the record and hands it to the file (or to the start-up buffer).
 void trace_emit();
+// A bus call records through the recorder's buffers until its reply is
+// written: they are not given back in between, even when the call ends the
+// trace.
+void trace_hold();
+void trace_unhold();
 
 }  // namespace lynd

@@ -8,6 +8,7 @@
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -85,6 +86,15 @@ long LinuxHost::file_size(const char* path) {
     if (::stat(path, &st) != 0)
         return -1;
     return static_cast<long>(st.st_size);
+}
+
+int LinuxHost::fs_space(const char* path, FsSpace* out) {
+    struct statvfs st {};
+    if (::statvfs(path, &st) != 0)
+        return -errno;
+    out->avail = static_cast<uint64_t>(st.f_bavail) * st.f_frsize;
+    out->total = static_cast<uint64_t>(st.f_blocks) * st.f_frsize;
+    return 0;
 }
 
 long LinuxHost::read_file(const char* path, char* buf, size_t size) {
