@@ -10,6 +10,7 @@
 #include "sim/scenario_clients.h"
 #include "sim/scenario_expect.h"
 #include "sim/scenario_radios.h"
+#include "sim/scenario_squat.h"
 
 namespace lynd {
 
@@ -148,6 +149,7 @@ void parse_node(Reader& r, json_object* node, Scenario* out) {
     parse_bridges(r, json_array_member(r, node, "bridges"), out);
     parse_node_cpu(r, node, out);
     parse_node_mesh(r, node, out);
+    parse_node_squatters(r, node, out);
     parse_hc_model(r, node, out);
 }
 
@@ -164,6 +166,7 @@ void parse_timeline_entry(Reader& r, json_object* o, Scenario* out, TimelineEntr
         std::string problem;
         if (!craft_bridge_datagram(nl, &e->data, &problem))
             r.fail("netlink entry: " + problem);
+        parse_datagram_sender(r, o, e);
     } else if (json_get_string(r, o, "station_expired", &ifname, kMaxIfname)) {
         e->kind = TimelineKind::STATION_EXPIRED;
         e->name = ifname;
@@ -172,6 +175,7 @@ void parse_timeline_entry(Reader& r, json_object* o, Scenario* out, TimelineEntr
             known = known || i.name == ifname;
         if (!known)
             r.fail("station_expired names an interface the node does not have: " + ifname);
+        parse_datagram_sender(r, o, e);
     } else if (json_get_string(r, o, "link", &ifname, kMaxIfname)) {
         e->kind = TimelineKind::LINK;
         e->name = ifname;
@@ -197,9 +201,10 @@ void parse_timeline_entry(Reader& r, json_object* o, Scenario* out, TimelineEntr
         Scenario scratch;
         parse_uci(r, uci, &scratch);
         e->data = json_object_to_json_string_ext(uci, JSON_C_TO_STRING_PLAIN);
+    } else if (parse_file_squat(r, o, e)) {
     } else if (r.ok) {
-        r.fail("timeline entry of an unknown kind (ubus, ubus_call, netlink, station_expired, link, uci, bus, client_join "
-               "or client_leave)");
+        r.fail("timeline entry of an unknown kind (ubus, ubus_call, netlink, station_expired, link, uci, bus, squat, "
+               "client_join or client_leave)");
     }
 }
 

@@ -78,7 +78,7 @@ TEST_F(LinuxHostFiles, PlantedFilesAndLinksNeitherRedirectNorBlockAStateFile) {
     const std::string state = dir + "/state", victim = dir + "/victim";
     { std::ofstream(victim) << "precious"; }
     ASSERT_EQ(0, symlink(victim.c_str(), (state + ".tmp").c_str()));
-    ASSERT_TRUE(host.write_file(state.c_str(), "ath12\n", 6));
+    ASSERT_TRUE(host.write_file(state.c_str(), "ath12\n", 6, nullptr));
     EXPECT_EQ("ath12\n", read_all(state));
     EXPECT_EQ("precious", read_all(victim));
     struct stat st{};
@@ -91,7 +91,7 @@ TEST_F(LinuxHostFiles, PlantedFilesAndLinksNeitherRedirectNorBlockAStateFile) {
     // A link at the final name is replaced, not followed.
     ASSERT_EQ(0, std::remove(state.c_str()));
     ASSERT_EQ(0, symlink(victim.c_str(), state.c_str()));
-    ASSERT_TRUE(host.write_file(state.c_str(), "ath02\n", 6));
+    ASSERT_TRUE(host.write_file(state.c_str(), "ath02\n", 6, nullptr));
     EXPECT_EQ("precious", read_all(victim));
     ASSERT_EQ(0, lstat(state.c_str(), &st));
     EXPECT_TRUE(S_ISREG(st.st_mode));
@@ -99,7 +99,7 @@ TEST_F(LinuxHostFiles, PlantedFilesAndLinksNeitherRedirectNorBlockAStateFile) {
 
     // No temporary file is left behind: state, the planted link, the victim.
     EXPECT_EQ(3, entries_in(dir));
-    EXPECT_FALSE(host.write_file((dir + "/no/such/dir").c_str(), "x", 1));
+    EXPECT_FALSE(host.write_file((dir + "/no/such/dir").c_str(), "x", 1, nullptr));
 }
 
 // A file of another process at the old fixed name keeps its bytes, and the
@@ -109,7 +109,7 @@ TEST_F(LinuxHostFiles, APlantedFileAtTheOldNameIsLeftAlone) {
     { std::ofstream(planted) << "planted"; }
     struct stat before{};
     ASSERT_EQ(0, stat(planted.c_str(), &before));
-    ASSERT_TRUE(host.write_file(state.c_str(), "br-lan\n", 7));
+    ASSERT_TRUE(host.write_file(state.c_str(), "br-lan\n", 7, nullptr));
     EXPECT_EQ("br-lan\n", read_all(state));
     EXPECT_EQ("planted", read_all(planted));
     struct stat after{};

@@ -96,6 +96,8 @@ TEST_F(NetlinkEventsTest, RegistersWithActiveBridgesOnly) {
     add_bridge(c, "br-lan");
     add_bridge(c, "br-off");
     add_bridge(c, "br-guest");
+    c.ev.hyfi_fd.fd = conf.ev.hyfi_fd.fd;
+    c.ev.hyfi_port = conf.ev.hyfi_port;
     bridge.set_result("bridgeSetEventInfo", -1);
     event_bridge_set_event(&c);
     EXPECT_EQ(2u, bridge.count_calls("bridgeSetEventInfo"));
