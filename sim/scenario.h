@@ -95,6 +95,7 @@ struct Scenario {
     std::vector<SimClient> clients;
     SimHcModel hc_model;  // node.hc_table, and the configuration's paths
     std::vector<int> netlink_squat;  // protocols whose pid port another process holds
+    std::vector<std::pair<std::string, int>> file_squats;  // state file -> errno its writes meet
     std::vector<TimelineEntry> timeline;
     std::vector<Expectation> expect;
 };

@@ -150,6 +150,7 @@ void parse_node(Reader& r, json_object* node, Scenario* out) {
     parse_node_cpu(r, node, out);
     parse_node_mesh(r, node, out);
     parse_node_squatters(r, node, out);
+    parse_node_file_squats(r, node, out);
     parse_hc_model(r, node, out);
 }
 

@@ -14,6 +14,18 @@ struct Obstacle {
 // A directory in the way, a file the daemon may not replace, a full disk.
 constexpr Obstacle kObstacles[] = {{"directory", EISDIR}, {"foreign", EPERM}, {"full", ENOSPC}, {"none", 0}};
 
+
+// A bare name is one of the daemon's state files in /tmp.
+std::string state_path(const std::string& name) { return !name.empty() && name[0] == '/' ? name : "/tmp/" + name; }
+
+int obstacle_error(JsonReader& r, const std::string& as) {
+    for (const Obstacle& ob : kObstacles)
+        if (as == ob.name)
+            return ob.error;
+    r.fail("an obstacle is \"directory\", \"foreign\", \"full\" or \"none\"");
+    return 0;
+}
+
 }  // namespace
 
 void parse_node_squatters(JsonReader& r, json_object* node, Scenario* out) {
@@ -34,20 +46,25 @@ void parse_datagram_sender(JsonReader& r, json_object* o, TimelineEntry* e) {
         e->from = static_cast<uint32_t>(from);
 }
 
+void parse_node_file_squats(JsonReader& r, json_object* node, Scenario* out) {
+    json_object* squats = json_object_member(r, node, "squat");
+    if (squats == nullptr)
+        return;
+    json_object_object_foreach(squats, name, as) {
+        int err = json_is(as, json_type_string) ? obstacle_error(r, json_object_get_string(as)) : obstacle_error(r, "");
+        out->file_squats.emplace_back(state_path(name), err);
+    }
+}
+
 bool parse_file_squat(JsonReader& r, json_object* o, TimelineEntry* e) {
     std::string name, as;
     if (!json_get_string(r, o, "squat", &name, 64))
         return false;
     e->kind = TimelineKind::SQUAT;
-    e->name = !name.empty() && name[0] == '/' ? name : "/tmp/" + name;
+    e->name = state_path(name);
     if (!json_get_string(r, o, "as", &as, 16))
         as = "directory";
-    for (const Obstacle& ob : kObstacles)
-        if (as == ob.name) {
-            e->data = std::to_string(ob.error);
-            return true;
-        }
-    r.fail("\"as\" of a squat is \"directory\", \"foreign\", \"full\" or \"none\"");
+    e->data = std::to_string(obstacle_error(r, as));
     return true;
 }
 

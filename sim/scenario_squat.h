@@ -12,6 +12,9 @@ namespace lynd {
 // node "netlink_squat": [protocol, ...]: another process has bound the
 // daemon's process id as its port on each protocol before the daemon starts.
 void parse_node_squatters(JsonReader& r, json_object* node, Scenario* out);
+// node "squat": {"hybr_broadcast_port": "directory", ...}: obstacles in the
+// way of state files before the daemon starts.
+void parse_node_file_squats(JsonReader& r, json_object* node, Scenario* out);
 // An entry's "from": the port id a netlink datagram comes from (0, the
 // kernel, when absent).
 void parse_datagram_sender(JsonReader& r, json_object* o, TimelineEntry* e);

@@ -61,6 +61,8 @@ void SimNode::build_node() {
         host_.set_file(kv.first, kv.second);
     for (int proto : sc_.netlink_squat)
         (void)host_.squat_nl_port(proto, static_cast<uint32_t>(host_.pid()));
+    for (const auto& f : sc_.file_squats)
+        host_.set_file_obstacle(f.first, f.second);
 }
 
 void SimNode::arm_timeline() {
