@@ -1,13 +1,13 @@
 // A simulated node behind every seam, for one benchmark.
 #pragma once
 #include "platform/seams.h"
-#include "sim/sim_bridge.h"
-#include "sim/sim_bus.h"
-#include "sim/sim_cpu.h"
-#include "sim/sim_host.h"
-#include "sim/sim_loop.h"
-#include "sim/sim_uci.h"
-#include "sim/wlan_platform_sim.h"
+#include "sim/node/sim_bridge.h"
+#include "sim/node/sim_bus.h"
+#include "sim/node/sim_cpu.h"
+#include "sim/node/sim_host.h"
+#include "sim/node/sim_loop.h"
+#include "sim/node/sim_uci.h"
+#include "sim/node/wlan_platform_sim.h"
 
 struct SimSeams {
     lynd::SimLoop loop;

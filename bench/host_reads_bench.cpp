@@ -3,7 +3,7 @@
 
 #include "bench/alloc_counter.h"
 #include "bench/bench_seams.h"
-#include "bridge/host_stats.h"
+#include "node/host_stats.h"
 
 namespace {
 

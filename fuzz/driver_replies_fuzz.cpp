@@ -6,7 +6,7 @@
 
 #include "fuzz/fuzz_check.h"
 #include "fuzz/fuzz_seams.h"
-#include "sim/sim_driver.h"
+#include "sim/node/sim_driver.h"
 #include "wlan/qca/link_stats_qca.h"
 #include "wlan/qca/qca_ioctl.h"
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/mac.h"
-#include "bridge/mesh_reply.h"
+#include "node/mesh_reply.h"
 #include "fuzz/fuzz_seams.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {

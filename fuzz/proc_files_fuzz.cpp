@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "bridge/host_stats.h"
+#include "node/host_stats.h"
 #include "fuzz/fuzz_check.h"
 #include "fuzz/fuzz_seams.h"
 

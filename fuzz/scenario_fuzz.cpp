@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
-#include "sim/netlink_craft.h"
-#include "sim/scenario.h"
+#include "sim/node/netlink_craft.h"
+#include "sim/scenario/scenario.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     lynd::Scenario sc;

@@ -7,9 +7,9 @@
 #include <cstdint>
 #include <cstring>
 
-#include "daemon/status_replies.h"
+#include "daemon/replies/status_replies.h"
 #include "fuzz/fuzz_check.h"
-#include "sim/bus_json.h"
+#include "sim/node/bus_json.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <string>
 
 #include "fuzz/fuzz_check.h"
-#include "sim/svg_text.h"
-#include "sim/timeline_draw.h"
-#include "sim/timeline_labels.h"
+#include "sim/timeline/svg_text.h"
+#include "sim/timeline/timeline_draw.h"
+#include "sim/timeline/timeline_labels.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size == 0)

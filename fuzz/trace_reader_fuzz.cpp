@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "fuzz/fuzz_check.h"
-#include "sim/trace_chain.h"
-#include "sim/trace_reader.h"
+#include "sim/desk/trace_chain.h"
+#include "sim/desk/trace_reader.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "event/ubus_decode.h"
 #include "event/ubus_policy.h"
 #include "fuzz/fuzz_seams.h"
-#include "sim/bus_json.h"
+#include "sim/node/bus_json.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     fuzz_seams();

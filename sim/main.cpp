@@ -19,14 +19,14 @@
 #include <vector>
 
 #include "sim/bus_calls_file.h"
-#include "sim/replay_run.h"
+#include "sim/desk/replay_run.h"
 #include "sim/report.h"
-#include "sim/scenario.h"
-#include "sim/trace_anonymize.h"
+#include "sim/scenario/scenario.h"
+#include "sim/desk/trace_anonymize.h"
 #include "sim/sim_node.h"
-#include "sim/state_dir.h"
-#include "sim/timeline_trace.h"
-#include "sim/trace_dir.h"
+#include "sim/node/state_dir.h"
+#include "sim/timeline/timeline_trace.h"
+#include "sim/node/trace_dir.h"
 #include "trace/trace_recorder.h"
 
 namespace {
@@ -125,6 +125,10 @@ int run_one(const lynd::Scenario& sc, Mode mode, const RunFiles& files, const st
     if (files.timeline != nullptr)
         node.record_timeline();
     g_active = ActiveRun{&node, &sc, mode, files.out_dir, files.timeline};
+    if (mode == Mode::RUN && !sc.description.empty()) {
+        std::printf("lynd-sim: scenario \"%s\": %s\n", sc.name.c_str(), sc.description.c_str());
+        std::fflush(stdout);
+    }
     lynd::RunOutcome o = node.run("lynd", extra);
     int status = conclude(o);
     if (mode == Mode::RUN && files.trace_dir.empty() && !node.trace_dir().empty())

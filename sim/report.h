@@ -2,7 +2,7 @@
 #pragma once
 #include <cstdio>
 
-#include "sim/scenario.h"
+#include "sim/scenario/scenario.h"
 #include "sim/sim_node.h"
 
 namespace lynd {

@@ -9,8 +9,8 @@
 #include "daemon/process_state.h"
 #include "event/bridge_events.h"
 #include "platform/seams.h"
-#include "sim/netlink_craft.h"
-#include "sim/scenario_radios.h"
+#include "sim/node/netlink_craft.h"
+#include "sim/scenario/scenario_radios.h"
 #include "wlan/qca/wlan_platform_qca.h"
 
 namespace lynd {

@@ -3,15 +3,15 @@
 #include <string>
 #include <vector>
 
-#include "sim/scenario.h"
-#include "sim/sim_bridge.h"
-#include "sim/sim_bus.h"
-#include "sim/sim_clients.h"
-#include "sim/sim_host.h"
-#include "sim/sim_loop.h"
-#include "sim/sim_uci.h"
-#include "sim/timeline_recorder.h"
-#include "sim/wlan_platform_sim.h"
+#include "sim/scenario/scenario.h"
+#include "sim/node/sim_bridge.h"
+#include "sim/node/sim_bus.h"
+#include "sim/node/sim_clients.h"
+#include "sim/node/sim_host.h"
+#include "sim/node/sim_loop.h"
+#include "sim/node/sim_uci.h"
+#include "sim/timeline/timeline_recorder.h"
+#include "sim/node/wlan_platform_sim.h"
 
 namespace lynd {
 

@@ -8,7 +8,7 @@
 
 #include "modules/loop_avoidance/bcast_port.h"
 #include "sim/sim_node.h"
-#include "sim/trace_dir.h"
+#include "sim/node/trace_dir.h"
 
 namespace lynd {
 

@@ -1,8 +1,8 @@
 #include <cstring>
 #include <string>
 
-#include "bridge/controller.h"
-#include "bridge/mesh_reply.h"
+#include "node/controller.h"
+#include "node/mesh_reply.h"
 #include "bridge/switch_vlan.h"
 #include "conf_builder.h"
 #include "sim_fixture.h"

@@ -1,6 +1,6 @@
 #include <string>
 
-#include "bridge/host_stats.h"
+#include "node/host_stats.h"
 #include "core/sort.h"
 #include "sim_fixture.h"
 

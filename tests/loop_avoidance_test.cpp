@@ -7,7 +7,7 @@
 #include "modules/loop_avoidance/bcast_port.h"
 #include "modules/loop_avoidance/bridge_config.h"
 #include "modules/loop_avoidance/loop_avoidance.h"
-#include "sim/wlan_platform_sim.h"
+#include "sim/node/wlan_platform_sim.h"
 #include "sim_fixture.h"
 
 namespace {

@@ -1,12 +1,12 @@
 // Rating paths from samples and counters, their quotas, and the best path.
 #include <algorithm>
 
-#include "bridge/host_stats.h"
+#include "node/host_stats.h"
 #include "modules/path_selection/best_path.h"
 #include "modules/path_selection/path_state.h"
 #include "modules/path_selection/sampling.h"
 #include "ps_fixture.h"
-#include "sim/sim_cpu.h"
+#include "sim/node/sim_cpu.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "conf_builder.h"
 #include "modules/path_selection/hc_records.h"
 #include "modules/path_selection/preferred_guard.h"
-#include "sim/wlan_platform_sim.h"
+#include "sim/node/wlan_platform_sim.h"
 #include "sim_fixture.h"
 
 class PathSelectionTest : public SimNodeTest {

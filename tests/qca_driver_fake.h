@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "sim/sim_driver.h"
+#include "sim/node/sim_driver.h"
 #include "sim_fixture.h"
 #include "wlan/qca/qca_ioctl.h"
 

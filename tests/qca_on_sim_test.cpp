@@ -5,7 +5,7 @@
 
 #include "wlan/link_activation.h"
 #include "wlan/link_state.h"
-#include "sim/wlan_platform_sim.h"
+#include "sim/node/wlan_platform_sim.h"
 #include "sim_fixture.h"
 #include "wlan/qca/link_control_qca.h"
 #include "wlan/link_records.h"

@@ -7,10 +7,10 @@
 #include <string>
 
 #include "file_text.h"
-#include "sim/replay_run.h"
-#include "sim/scenario.h"
+#include "sim/desk/replay_run.h"
+#include "sim/scenario/scenario.h"
 #include "sim/sim_node.h"
-#include "sim/trace_dir.h"
+#include "sim/node/trace_dir.h"
 #include "trace/trace_recorder.h"
 
 namespace {

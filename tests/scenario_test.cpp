@@ -1,3 +1,4 @@
+#include <dirent.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -9,11 +10,12 @@
 #include <vector>
 
 #include "event/netlink_datagram.h"
-#include "sim/netlink_craft.h"
+#include "sim/node/netlink_craft.h"
 #include "sim/report.h"
-#include "sim/scenario.h"
+#include "sim/scenario/scenario.h"
 #include "sim/sim_node.h"
-#include "sim/state_dir.h"
+#include "sim/node/state_dir.h"
+#include "file_text.h"
 #include "scenario_text.h"
 #include "sim_fixture.h"
 
@@ -73,6 +75,59 @@ TEST(ScenarioParse, BadInputIsNamed) {
         std::string error;
         EXPECT_FALSE(parse(c.first, &sc, &error)) << c.first;
         EXPECT_NE(std::string::npos, error.find(c.second)) << c.first << " -> " << error;
+    }
+}
+
+// A repeated event, or list of events, lands at each round's time and no later than "until".
+TEST(ScenarioParse, RepeatUnrollsOnTheTimeline) {
+    Scenario sc;
+    std::string error;
+    ASSERT_TRUE(parse(R"({"duration": 100, "timeline": [
+        {"at": 10, "repeat": {"every": 30}, "ubus": "lynd.debug"},
+        {"at": 5, "repeat": {"every": 40, "until": 60},
+         "events": [{"after": 0, "bus": "down"}, {"after": 20, "bus": "up"}]}]})",
+                      &sc, &error))
+        << error;
+    std::vector<std::pair<int64_t, std::string>> got;
+    for (const auto& e : sc.timeline)
+        got.emplace_back(e.at_ms / 1000, e.name);
+    const std::vector<std::pair<int64_t, std::string>> want = {
+        {10, "lynd.debug"}, {40, "lynd.debug"}, {70, "lynd.debug"}, {100, "lynd.debug"},
+        {5, "down"},        {25, "up"},         {45, "down"}};
+    EXPECT_EQ(want, got);
+
+    const std::pair<const char*, const char*> bad[] = {
+        {R"({"timeline": [{"at": 1, "repeat": {"every": 0}, "bus": "up"}]})", "\"every\""},
+        {R"({"timeline": [{"at": 1, "repeat": {"every": 5, "times": 2}, "bus": "up"}]})", "unknown key \"times\""},
+        {R"({"timeline": [{"at": 9, "repeat": {"every": 5, "until": 3}, "bus": "up"}]})", "\"until\""},
+        {R"({"timeline": [{"at": 1, "repeat": {"every": 5}, "events": [{"bus": "up"}]}]})", "needs an \"after\""},
+        {R"({"timeline": [{"at": 1, "repeat": {"every": 5}, "events": [{"after": 5, "bus": "up"}]}]})", "from 0 to 4"},
+        {R"({"timeline": [{"at": 1, "repeat": {"every": 5}, "bus": "up", "events": []}]})", "unknown key \"bus\""},
+        {R"({"timeline": [{"at": 1, "repeat": {"every": 5}, "bus": "sideways"}]})", "\"bus\" is"},
+        {R"({"duration": 604800, "timeline": [{"at": 0, "repeat": {"every": 1}, "bus": "up"}]})", "more than 100000"},
+    };
+    for (const auto& c : bad) {
+        Scenario sc2;
+        EXPECT_FALSE(parse(c.first, &sc2, &error)) << c.first;
+        EXPECT_NE(std::string::npos, error.find(c.second)) << c.first << " -> " << error;
+    }
+}
+
+// A newcomer reads what a bundled scenario shows before its log scrolls by.
+TEST(BundledScenarios, EachSaysWhatItShows) {
+    DIR* dir = opendir(LYND_SOURCE_DIR "/scenarios");
+    ASSERT_NE(nullptr, dir);
+    std::vector<std::string> paths;
+    while (const dirent* d = readdir(dir))
+        if (std::strstr(d->d_name, ".json") != nullptr)
+            paths.push_back(std::string(LYND_SOURCE_DIR) + "/scenarios/" + d->d_name);
+    closedir(dir);
+    EXPECT_GT(paths.size(), 20u);
+    for (const auto& path : paths) {
+        Scenario sc;
+        std::string error;
+        ASSERT_TRUE(parse(slurp(path), &sc, &error)) << path << ": " << error;
+        EXPECT_GE(sc.description.size(), 20u) << path << " has no \"description\"";
     }
 }
 

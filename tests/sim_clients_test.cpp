@@ -7,8 +7,8 @@
 #include "bridge/table_entries.h"
 #include "event/bridge_events.h"
 #include "event/netlink_datagram.h"
-#include "sim/sim_clients.h"
-#include "sim/wlan_platform_sim.h"
+#include "sim/node/sim_clients.h"
+#include "sim/node/wlan_platform_sim.h"
 #include "sim_fixture.h"
 #include "wlan/wlan.h"
 

@@ -4,11 +4,11 @@
 
 #include "core/log.h"
 #include "platform/seams.h"
-#include "sim/sim_bridge.h"
-#include "sim/sim_bus.h"
-#include "sim/sim_host.h"
-#include "sim/sim_loop.h"
-#include "sim/sim_uci.h"
+#include "sim/node/sim_bridge.h"
+#include "sim/node/sim_bus.h"
+#include "sim/node/sim_host.h"
+#include "sim/node/sim_loop.h"
+#include "sim/node/sim_uci.h"
 
 class SimNodeTest : public ::testing::Test {
 protected:

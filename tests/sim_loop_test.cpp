@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "sim/sim_loop.h"
+#include "sim/node/sim_loop.h"
 
 namespace {
 

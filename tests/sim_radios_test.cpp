@@ -1,9 +1,9 @@
 #include <string>
 
-#include "sim/scenario.h"
-#include "sim/sim_loop.h"
+#include "sim/scenario/scenario.h"
+#include "sim/node/sim_loop.h"
 #include "sim/sim_node.h"
-#include "sim/wlan_platform_sim.h"
+#include "sim/node/wlan_platform_sim.h"
 #include "scenario_text.h"
 #include "sim_fixture.h"
 

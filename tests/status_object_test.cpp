@@ -11,7 +11,7 @@
 #include "core/shadow.h"
 #include "daemon/restart_request.h"
 #include "daemon/status_object.h"
-#include "daemon/status_replies.h"
+#include "daemon/replies/status_replies.h"
 #include "event/ubus_receive.h"
 #include "modules/path_selection/best_path.h"
 #include "modules/path_selection/client_log.h"

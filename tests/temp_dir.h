@@ -2,7 +2,7 @@
 #pragma once
 #include <string>
 
-#include "sim/trace_dir.h"
+#include "sim/node/trace_dir.h"
 
 struct TempDir {
     TempDir() : path(lynd::trace_dir_make()) {}

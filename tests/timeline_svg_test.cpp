@@ -10,9 +10,9 @@
 
 #include "core/decision_ring.h"
 #include "sim/sim_node.h"
-#include "sim/svg_text.h"
-#include "sim/timeline_labels.h"
-#include "sim/timeline_trace.h"
+#include "sim/timeline/svg_text.h"
+#include "sim/timeline/timeline_labels.h"
+#include "sim/timeline/timeline_trace.h"
 #include "scenario_text.h"
 
 namespace {

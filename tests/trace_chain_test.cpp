@@ -1,4 +1,4 @@
-#include "sim/trace_chain.h"
+#include "sim/desk/trace_chain.h"
 
 #include <gtest/gtest.h>
 

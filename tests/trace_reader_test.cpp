@@ -1,4 +1,4 @@
-#include "sim/trace_reader.h"
+#include "sim/desk/trace_reader.h"
 
 #include <gtest/gtest.h>
 

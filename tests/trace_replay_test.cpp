@@ -9,10 +9,10 @@
 #include <string>
 
 #include "file_text.h"
-#include "sim/replay_run.h"
-#include "sim/scenario.h"
+#include "sim/desk/replay_run.h"
+#include "sim/scenario/scenario.h"
 #include "sim/sim_node.h"
-#include "sim/trace_anonymize.h"
+#include "sim/desk/trace_anonymize.h"
 #include "temp_dir.h"
 #include "trace/trace_recorder.h"
 

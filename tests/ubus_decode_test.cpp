@@ -4,7 +4,7 @@
 
 #include "event/ubus_decode.h"
 #include "event/ubus_policy.h"
-#include "sim/bus_json.h"
+#include "sim/node/bus_json.h"
 #include "sim_fixture.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include <cstring>
 
-#include "bridge/mesh_reply.h"
+#include "node/mesh_reply.h"
 #include "bridge/switch_vlan.h"
 #include "core/queries.h"
 #include "core/log.h"

@@ -1,4 +1,4 @@
-#include "daemon/status_replies.h"
+#include "daemon/replies/status_replies.h"
 
 // The build system names both; a build outside it still answers.
 #ifndef LYND_VERSION

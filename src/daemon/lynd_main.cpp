@@ -10,7 +10,7 @@
 #include "daemon/process_state.h"
 #include "daemon/restart_request.h"
 #include "daemon/status_object.h"
-#include "daemon/status_replies.h"
+#include "daemon/replies/status_replies.h"
 #include "event/event_dispatch.h"
 #include "event/event_hub.h"
 #include "event/wifi_events.h"

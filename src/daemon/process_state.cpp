@@ -1,7 +1,7 @@
 #include "daemon/process_state.h"
 
-#include "bridge/controller.h"
-#include "bridge/host_stats.h"
+#include "node/controller.h"
+#include "node/host_stats.h"
 #include "bridge/hybrid_tables.h"
 #include "core/counters.h"
 #include "core/decision_ring.h"

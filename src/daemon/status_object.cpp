@@ -5,7 +5,7 @@
 #include "core/decision_ring.h"
 #include "core/shadow.h"
 #include "daemon/record_method.h"
-#include "daemon/status_replies.h"
+#include "daemon/replies/status_replies.h"
 #include "event/ubus_receive.h"
 #include "modules/loop_avoidance/bcast_port.h"
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "bridge/host_stats.h"
+#include "node/host_stats.h"
 #include "bridge/port_inventory.h"
 #include "config/ts_vlan.h"
 #include "core/counters.h"

@@ -1,6 +1,6 @@
 #include "modules/loop_avoidance/bridge_config.h"
 
-#include "bridge/host_stats.h"
+#include "node/host_stats.h"
 #include "bridge/port_inventory.h"
 #include "bridge/switch_vlan.h"
 #include "core/counters.h"

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <new>
 
-#include "bridge/host_stats.h"
+#include "node/host_stats.h"
 #include "bridge/hybrid_tables.h"
 #include "bridge/port_inventory.h"
 #include "core/log.h"

@@ -1,6 +1,6 @@
 #include "modules/path_selection/best_path.h"
 
-#include "bridge/host_stats.h"
+#include "node/host_stats.h"
 #include "core/decision_ring.h"
 #include "core/log.h"
 #include "modules/path_selection/client_rules.h"

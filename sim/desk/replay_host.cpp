@@ -1,0 +1,277 @@
+#include "sim/desk/replay_host.h"
+
+#include <cctype>
+#include <cerrno>
+#include <cstring>
+
+#include "trace/host_requests.h"
+#include "trace/trace_order.h"
+#include "wlan/qca/qca_ioctl.h"
+
+namespace lynd {
+
+namespace {
+
+// Copies a recorded answer into the daemon's buffer, never past size.
+size_t copy_out(const std::string& s, void* buf, size_t size) {
+    size_t n = s.size() < size ? s.size() : size;
+    std::memcpy(buf, s.data(), n);
+    return n;
+}
+
+// A log line with its addresses (0x...) blanked: where a list lives in
+// memory differs from run to run and is no decision.
+std::string without_addresses(const std::string& line) {
+    std::string out;
+    for (size_t i = 0; i < line.size(); i++) {
+        out.push_back(line[i]);
+        if (line[i] == '0' && i + 1 < line.size() && line[i + 1] == 'x') {
+            out.push_back('x');
+            i++;
+            while (i + 1 < line.size() && std::isxdigit(static_cast<unsigned char>(line[i + 1])))
+                i++;
+        }
+    }
+    return out;
+}
+
+}  // namespace
+
+void ReplayHost::set_config(const std::string& text) {
+    config_ = text;
+    has_config_ = true;
+}
+
+int64_t ReplayHost::rc_of(TraceLine& l, int64_t def) {
+    const TraceRecord* r = tape_->take(l);
+    return r != nullptr ? r->num("rc", def) : def;
+}
+
+int ReplayHost::run_capture(const char* const argv[], char* out, size_t size) {
+    TraceLine& l = tape_->begin("run");
+    req_run(l, argv, size);
+    const TraceRecord* r = tape_->take(l);
+    if (r == nullptr)
+        return -1;
+    int rc = static_cast<int>(r->num("rc", -1));
+    if (rc > 0)
+        (void)copy_out(r->text("out"), out, size);
+    return rc;
+}
+
+int ReplayHost::run_status(const char* const argv[]) {
+    TraceLine& l = tape_->begin("status");
+    req_run(l, argv, 0);
+    return static_cast<int>(rc_of(l, -1));
+}
+
+void ReplayHost::console_write(const char* line, size_t len) {
+    console_.append(line, len);
+    std::string text(line, len);
+    const TraceRecord* next = tape_->peek();
+    if (next != nullptr && next->kind == "log") {
+        std::string recorded = next->text("line");
+        if (recorded != text && without_addresses(recorded) == without_addresses(text))
+            text = recorded;
+    }
+    TraceLine& l = tape_->begin("log");
+    l.text("line", text.data(), text.size());
+    (void)tape_->take(l);
+}
+
+void ReplayHost::syslog_write(int priority, const char* line, size_t len) {
+    TraceLine& l = tape_->begin("syslog");
+    l.num("prio", priority);
+    l.text("line", line, len);
+    (void)tape_->take(l);
+}
+
+unsigned ReplayHost::if_nametoindex(const char* name) {
+    TraceLine& l = tape_->begin("ifindex");
+    req_ifname(l, name);
+    return static_cast<unsigned>(rc_of(l, 0));
+}
+
+HwAddrResult ReplayHost::get_hwaddr(const char* ifname, uint8_t* mac) {
+    TraceLine& l = tape_->begin("hwaddr");
+    req_ifname(l, ifname);
+    const TraceRecord* r = tape_->take(l);
+    if (r == nullptr)
+        return HwAddrResult::SOCKET_FAILED;
+    auto rc = static_cast<HwAddrResult>(r->num("rc", 1));
+    if (rc == HwAddrResult::OK)
+        (void)copy_out(r->bytes("mac"), mac, 6);
+    return rc;
+}
+
+bool ReplayHost::if_indextoname(unsigned ifindex, char* name) {
+    TraceLine& l = tape_->begin("ifname");
+    l.num("index", ifindex);
+    const TraceRecord* r = tape_->take(l);
+    if (r == nullptr || r->num("rc") == 0)
+        return false;
+    size_t n = copy_out(r->str("name"), name, IFNAME_LEN - 1);
+    name[n] = '\0';
+    return true;
+}
+
+long ReplayHost::read_file(const char* path, char* buf, size_t size) {
+    TraceLine& l = tape_->begin("read");
+    req_read(l, path, size);
+    const TraceRecord* r = tape_->take(l);
+    // The other configuration answers every read of the file the daemon
+    // read first, in place of the recorded one.
+    if (has_config_ && config_path_.empty())
+        config_path_ = path;
+    if (has_config_ && config_path_ == path)
+        return static_cast<long>(copy_out(config_, buf, size));
+    if (r == nullptr)
+        return -1;
+    long rc = static_cast<long>(r->num("rc", -1));
+    return rc > 0 ? static_cast<long>(copy_out(r->text("data"), buf, size)) : rc;
+}
+
+long ReplayHost::file_size(const char* path) {
+    TraceLine& l = tape_->begin("fsize");
+    l.str("path", path);
+    return static_cast<long>(rc_of(l, -1));
+}
+
+bool ReplayHost::write_file(const char* path, const char* data, size_t len, int* err) {
+    TraceLine& l = tape_->begin("write");
+    req_write(l, path, data, len);
+    const TraceRecord* r = tape_->take(l);
+    bool ok = r == nullptr || r->num("rc", 1) != 0;
+    if (err != nullptr)
+        *err = ok ? 0 : static_cast<int>(r->num("err", EIO));
+    return ok;
+}
+
+int ReplayHost::close_fd(int fd) {
+    TraceLine& l = tape_->begin("close");
+    l.num("fd", fd);
+    return static_cast<int>(rc_of(l, 0));
+}
+
+int ReplayHost::dgram_socket() { return static_cast<int>(rc_of(tape_->begin("dgram"), -EBADF)); }
+
+int ReplayHost::dev_ioctl(int fd, unsigned long request, void* arg) {
+    TraceLine& l = tape_->begin("ioctl");
+    req_ioctl(l, fd, request, arg);
+    const TraceRecord* r = tape_->take(l);
+    if (r == nullptr)
+        return -EIO;
+    int rc = static_cast<int>(r->num("rc", -EIO));
+    if (rc < 0)
+        return rc;
+    auto* req = static_cast<iw_request*>(arg);
+    switch (request) {
+    case QCA_IOCTL_GET_PARAM:
+        req->u.value = static_cast<int32_t>(r->num("value"));
+        break;
+    case IW_IOCTL_GET_MODE:
+        req->u.mode = static_cast<uint32_t>(r->num("mode"));
+        break;
+    case IW_IOCTL_GET_AP:
+        req->u.addr.family = static_cast<uint16_t>(r->num("family"));
+        (void)copy_out(r->bytes("addr"), req->u.addr.bytes, sizeof req->u.addr.bytes);
+        break;
+    case QCA_IOCTL_STA_TABLE:
+        req->u.data.length = static_cast<uint16_t>(r->num("got"));
+        trace_bytes_to_host(TraceBytes::STA_TABLE, req->u.data.pointer,
+                            copy_out(r->bytes("data"), req->u.data.pointer, QCA_STA_TABLE_SIZE));
+        break;
+    default:
+        break;
+    }
+    return rc;
+}
+
+int ReplayHost::packet_socket(uint16_t ethertype) {
+    TraceLine& l = tape_->begin("packet");
+    l.num("etype", ethertype);
+    return static_cast<int>(rc_of(l, -EBADF));
+}
+
+long ReplayHost::packet_send(int fd, unsigned ifindex, uint16_t ethertype, const uint8_t* dst, const void* frame,
+                             size_t len) {
+    TraceLine& l = tape_->begin("send");
+    req_send(l, fd, ifindex, ethertype, dst, frame, len);
+    return static_cast<long>(rc_of(l, static_cast<int64_t>(len)));
+}
+
+int ReplayHost::nl_socket(int protocol) {
+    TraceLine& l = tape_->begin("nl_socket");
+    l.num("proto", protocol);
+    int fd = static_cast<int>(rc_of(l, -EBADF));
+    families_.note(fd, protocol);
+    return fd;
+}
+
+int ReplayHost::nl_bind(int fd, uint32_t groups, uint32_t* port) {
+    TraceLine& l = tape_->begin("nl_bind");
+    l.num("fd", fd);
+    l.num("groups", groups);
+    const TraceRecord* r = tape_->take(l);
+    if (r == nullptr)
+        return -EBADF;
+    *port = static_cast<uint32_t>(r->num("nl_port", 0));
+    return static_cast<int>(r->num("rc", -EBADF));
+}
+
+long ReplayHost::nl_recv(int fd, void* buf, size_t size, uint32_t* sender) {
+    TraceLine& l = tape_->begin("nl_recv");
+    l.num("fd", fd);
+    l.num("size", static_cast<int64_t>(size));
+    const TraceRecord* r = tape_->take(l);
+    if (r == nullptr)
+        return -EAGAIN;
+    long rc = static_cast<long>(r->num("rc", -EAGAIN));
+    *sender = static_cast<uint32_t>(r->num("nl_from", 0));
+    if (rc <= 0)
+        return rc;
+    size_t n = copy_out(r->bytes("data"), buf, size);
+    trace_bytes_to_host(families_.of(fd), buf, n);
+    return static_cast<long>(n);
+}
+
+timespec ReplayHost::monotonic_now() {
+    const TraceRecord* r = tape_->what_if() ? nullptr : tape_->take(tape_->begin("mono"));
+    timespec ts{};
+    if (r != nullptr) {
+        ts.tv_sec = static_cast<time_t>(r->num("s"));
+        ts.tv_nsec = static_cast<long>(r->num("ns"));
+    } else {
+        ts.tv_sec = static_cast<time_t>(tape_->now_ms() / 1000);
+        ts.tv_nsec = static_cast<long>(tape_->now_ms() % 1000) * 1000000L;
+    }
+    return ts;
+}
+
+time_t ReplayHost::wall_now() {
+    if (tape_->what_if())
+        return static_cast<time_t>(tape_->wall_now());
+    const TraceRecord* r = tape_->take(tape_->begin("wall"));
+    return r != nullptr ? static_cast<time_t>(r->num("s")) : 0;
+}
+
+int ReplayHost::pid() { return static_cast<int>(rc_of(tape_->begin("pid"), 1)); }
+
+void ReplayHost::ignore_sigpipe() { (void)tape_->take(tape_->begin("sigpipe")); }
+
+UciResult ReplayUci::get(char* path, char* value, size_t size) {
+    TraceLine& l = tape_->begin("uci");
+    l.str("path", path);
+    l.num("size", static_cast<int64_t>(size));
+    const TraceRecord* r = tape_->take(l);
+    if (r == nullptr)
+        return UciResult::NOT_FOUND;
+    auto rc = static_cast<UciResult>(r->num("rc", 1));
+    if (rc == UciResult::FOUND && size > 0) {
+        size_t n = copy_out(r->text("value"), value, size - 1);
+        value[n] = '\0';
+    }
+    return rc;
+}
+
+}  // namespace lynd

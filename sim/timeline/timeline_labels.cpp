@@ -1,0 +1,85 @@
+#include "sim/timeline/timeline_labels.h"
+
+#include <json-c/json.h>
+
+#include <cstdint>
+
+#include "core/wire.h"
+
+namespace lynd {
+
+namespace {
+
+constexpr int kMaxFields = 3;
+
+// The first few members of a JSON object as "key value", "up"/"down" for
+// the link flag; what is no object gives nothing.
+std::string fields(const std::string& json) {
+    json_object* o = json_tokener_parse(json.c_str());
+    if (o == nullptr)
+        return "";
+    std::string out;
+    if (json_object_is_type(o, json_type_object)) {
+        int n = 0;
+        json_object_object_foreach(o, key, val) {
+            if (n++ == kMaxFields) {
+                out += " …";
+                break;
+            }
+            std::string k = key;
+            if (k == "up" && json_object_is_type(val, json_type_boolean)) {
+                out += json_object_get_boolean(val) ? " up" : " down";
+                continue;
+            }
+            bool scalar = !json_object_is_type(val, json_type_object) && !json_object_is_type(val, json_type_array);
+            out += " " + k + (scalar ? std::string(" ") + json_object_get_string(val) : std::string(" …"));
+        }
+    }
+    json_object_put(o);
+    return out;
+}
+
+std::string netlink_label(const std::string& datagram) {
+    if (datagram.size() < 6)
+        return "netlink (short)";
+    uint16_t type = load_u16(reinterpret_cast<const uint8_t*>(datagram.data()) + 4);
+    return "netlink type " + std::to_string(type);
+}
+
+}  // namespace
+
+std::string event_label(const TimelineEntry& e) {
+    switch (e.kind) {
+    case TimelineKind::UBUS:
+        return "ubus " + e.name;
+    case TimelineKind::NETLINK:
+        return netlink_label(e.data);
+    case TimelineKind::STATION_EXPIRED:
+        return "station expired " + e.name;
+    case TimelineKind::LINK:
+        return "link " + e.name + fields(e.data);
+    case TimelineKind::UCI:
+        return "uci" + fields(e.data);
+    case TimelineKind::BUS:
+        return "bus " + e.name;
+    case TimelineKind::CLIENT:
+        return "client joins or leaves";
+    case TimelineKind::UBUS_CALL:
+        return "ubus call " + e.name + " " + e.method;
+    }
+    return "";
+}
+
+std::string event_detail(const TimelineEntry& e) {
+    bool text_data = e.kind != TimelineKind::NETLINK && !e.data.empty();
+    return event_label(e) + (text_data ? " " + e.data : "");
+}
+
+std::string short_mac(const std::string& mac) {
+    bool is_mac = mac.size() == 17;
+    for (size_t i = 2; is_mac && i < mac.size(); i += 3)
+        is_mac = mac[i] == ':';
+    return is_mac ? mac.substr(0, 2) + ":.." + mac.substr(11) : mac;
+}
+
+}  // namespace lynd
