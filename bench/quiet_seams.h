@@ -38,9 +38,9 @@ public:
         AllocPause p;
         return h_->read_file(path, buf, size);
     }
-    bool write_file(const char* path, const char* data, size_t len) override {
+    bool write_file(const char* path, const char* data, size_t len, int* err) override {
         AllocPause p;
-        return h_->write_file(path, data, len);
+        return h_->write_file(path, data, len, err);
     }
     int close_fd(int fd) override { return h_->close_fd(fd); }
     int dgram_socket() override {
@@ -61,8 +61,10 @@ public:
         return h_->packet_send(fd, ifindex, ethertype, dst, frame, len);
     }
     int nl_socket(int protocol) override { return h_->nl_socket(protocol); }
-    int nl_bind(int fd, uint32_t groups) override { return h_->nl_bind(fd, groups); }
-    long nl_recv(int fd, void* buf, size_t size) override { return h_->nl_recv(fd, buf, size); }
+    int nl_bind(int fd, uint32_t groups, uint32_t* port) override { return h_->nl_bind(fd, groups, port); }
+    long nl_recv(int fd, void* buf, size_t size, uint32_t* sender) override {
+        return h_->nl_recv(fd, buf, size, sender);
+    }
     timespec monotonic_now() override { return h_->monotonic_now(); }
     time_t wall_now() override { return h_->wall_now(); }
     int pid() override { return h_->pid(); }

@@ -1,6 +1,7 @@
 #include "sim/sim_node.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 #include "core/mac.h"
@@ -60,6 +61,10 @@ void SimNode::build_node() {
         host_.set_file("/etc/lynd.json", sc_.config_text);
     for (const auto& kv : sc_.files)
         host_.set_file(kv.first, kv.second);
+    for (int proto : sc_.netlink_squat)
+        (void)host_.squat_nl_port(proto, static_cast<uint32_t>(host_.pid()));
+    for (const auto& f : sc_.file_squats)
+        host_.set_file_obstacle(f.first, f.second);
 }
 
 void SimNode::arm_timeline() {
@@ -92,13 +97,14 @@ void SimNode::play(const TimelineEntry& e) {
         (void)bus_.send(e.name, e.data);
         break;
     case TimelineKind::NETLINK:
-        if (hc_entry held{}; announced_hc_entry(e.data, &held))
+        // The bridge announces a client; another process only pretends to.
+        if (hc_entry held{}; e.from == 0 && announced_hc_entry(e.data, &held))
             clients_.announced(held);
-        host_.queue_datagram(HYFI_EVENT_PROTOCOL, e.data);
+        host_.queue_datagram(HYFI_EVENT_PROTOCOL, e.data, e.from);
         (void)loop_.fd_ready(host_.nl_fd(HYFI_EVENT_PROTOCOL));
         break;
     case TimelineKind::STATION_EXPIRED:
-        host_.queue_datagram(0, craft_station_expired(host_.if_nametoindex(e.name.c_str())));
+        host_.queue_datagram(0, craft_station_expired(host_.if_nametoindex(e.name.c_str())), e.from);
         (void)loop_.fd_ready(host_.nl_fd(0));
         break;
     case TimelineKind::LINK:
@@ -114,6 +120,9 @@ void SimNode::play(const TimelineEntry& e) {
         break;
     case TimelineKind::FILE:
         host_.set_file(e.name, e.data);
+        break;
+    case TimelineKind::SQUAT:
+        host_.set_file_obstacle(e.name, std::atoi(e.data.c_str()));
         break;
     case TimelineKind::BUS:
         if (e.name == "down")

@@ -3,8 +3,11 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -14,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/counters.h"
 #include "targets/linux/linux_host.h"
 
 namespace {
@@ -78,7 +82,7 @@ TEST_F(LinuxHostFiles, PlantedFilesAndLinksNeitherRedirectNorBlockAStateFile) {
     const std::string state = dir + "/state", victim = dir + "/victim";
     { std::ofstream(victim) << "precious"; }
     ASSERT_EQ(0, symlink(victim.c_str(), (state + ".tmp").c_str()));
-    ASSERT_TRUE(host.write_file(state.c_str(), "ath12\n", 6));
+    ASSERT_TRUE(host.write_file(state.c_str(), "ath12\n", 6, nullptr));
     EXPECT_EQ("ath12\n", read_all(state));
     EXPECT_EQ("precious", read_all(victim));
     struct stat st{};
@@ -91,7 +95,7 @@ TEST_F(LinuxHostFiles, PlantedFilesAndLinksNeitherRedirectNorBlockAStateFile) {
     // A link at the final name is replaced, not followed.
     ASSERT_EQ(0, std::remove(state.c_str()));
     ASSERT_EQ(0, symlink(victim.c_str(), state.c_str()));
-    ASSERT_TRUE(host.write_file(state.c_str(), "ath02\n", 6));
+    ASSERT_TRUE(host.write_file(state.c_str(), "ath02\n", 6, nullptr));
     EXPECT_EQ("precious", read_all(victim));
     ASSERT_EQ(0, lstat(state.c_str(), &st));
     EXPECT_TRUE(S_ISREG(st.st_mode));
@@ -99,7 +103,7 @@ TEST_F(LinuxHostFiles, PlantedFilesAndLinksNeitherRedirectNorBlockAStateFile) {
 
     // No temporary file is left behind: state, the planted link, the victim.
     EXPECT_EQ(3, entries_in(dir));
-    EXPECT_FALSE(host.write_file((dir + "/no/such/dir").c_str(), "x", 1));
+    EXPECT_FALSE(host.write_file((dir + "/no/such/dir").c_str(), "x", 1, nullptr));
 }
 
 // A file of another process at the old fixed name keeps its bytes, and the
@@ -109,7 +113,7 @@ TEST_F(LinuxHostFiles, APlantedFileAtTheOldNameIsLeftAlone) {
     { std::ofstream(planted) << "planted"; }
     struct stat before{};
     ASSERT_EQ(0, stat(planted.c_str(), &before));
-    ASSERT_TRUE(host.write_file(state.c_str(), "br-lan\n", 7));
+    ASSERT_TRUE(host.write_file(state.c_str(), "br-lan\n", 7, nullptr));
     EXPECT_EQ("br-lan\n", read_all(state));
     EXPECT_EQ("planted", read_all(planted));
     struct stat after{};
@@ -148,6 +152,67 @@ TEST_F(LinuxHostFiles, AToolThatCannotBeRunIsMinusOne) {
     }
     const char* const exits_127[] = {"sh", "-c", "exit 127", nullptr};
     EXPECT_EQ(127, host.run_status(exits_127));
+}
+
+}  // namespace
+
+namespace {
+
+// A directory or a full disk where a state file goes: the write fails and
+// says why, and leaves nothing behind.
+TEST_F(LinuxHostFiles, AWriteThatCannotBeMadeSaysWhy) {
+    const std::string state = dir + "/state";
+    ASSERT_EQ(0, mkdir(state.c_str(), 0700));
+    int err = 0;
+    EXPECT_FALSE(host.write_file(state.c_str(), "ath12\n", 6, &err));
+    EXPECT_EQ(EISDIR, err);
+    EXPECT_EQ(1, entries_in(dir));
+    rmdir(state.c_str());
+    EXPECT_FALSE(host.write_file("/dev/full/state", "x", 1, &err));
+    EXPECT_NE(0, err);
+    EXPECT_TRUE(host.write_file(state.c_str(), "ath12\n", 6, &err));
+    EXPECT_EQ(0, err);
+}
+
+// The console is a pipe that nobody reads, filled to the brim (a serial
+// line under XOFF): a thousand lines go by without a wait, each counted as
+// dropped. Run in a child, so that a write that blocks fails the test
+// instead of hanging it.
+TEST(LinuxHostConsole, AStalledConsoleNeverBlocks) {
+    char dir[] = "/tmp/lynd_console_XXXXXX";
+    ASSERT_NE(nullptr, mkdtemp(dir));
+    const std::string fifo = std::string(dir) + "/console";
+    ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
+    int reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+    int filler = open(fifo.c_str(), O_WRONLY | O_NONBLOCK);
+    ASSERT_GE(reader, 0);
+    ASSERT_GE(filler, 0);
+    char block[4096] = {};
+    while (write(filler, block, sizeof block) > 0) {
+    }
+    pid_t child = fork();
+    if (child == 0) {
+        lynd_counters_reset();
+        lynd::LinuxHost host(fifo.c_str());
+        const char line[] = "<LYND_LOG>[f, 1] stalled?\n";
+        for (int i = 0; i < 1000; i++)
+            host.console_write(line, sizeof line - 1);
+        _exit(g_counters.console_lines_dropped == 1000 ? 0 : 3);
+    }
+    int status = -1;
+    for (int waited = 0; waited < 500 && waitpid(child, &status, WNOHANG) == 0; waited++)
+        usleep(10000);
+    if (waitpid(child, &status, WNOHANG) == 0) {
+        kill(child, SIGKILL);
+        waitpid(child, &status, 0);
+        ADD_FAILURE() << "the console write blocked";
+    } else {
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "status " << status;
+    }
+    close(filler);
+    close(reader);
+    std::remove(fifo.c_str());
+    rmdir(dir);
 }
 
 }  // namespace

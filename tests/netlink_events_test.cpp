@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "conf_builder.h"
+#include "core/counters.h"
 #include "event/bridge_events.h"
 #include "event/event_dispatch.h"
 #include "event/event_hub.h"
@@ -53,6 +54,7 @@ class NetlinkEventsTest : public SimNodeTest {
 protected:
     void SetUp() override {
         SimNodeTest::SetUp();
+        lynd_counters_reset();
         g_events.clear();
         g_bodies.clear();
         conf = lynd_config{};
@@ -96,6 +98,8 @@ TEST_F(NetlinkEventsTest, RegistersWithActiveBridgesOnly) {
     add_bridge(c, "br-lan");
     add_bridge(c, "br-off");
     add_bridge(c, "br-guest");
+    c.ev.hyfi_fd.fd = conf.ev.hyfi_fd.fd;
+    c.ev.hyfi_port = conf.ev.hyfi_port;
     bridge.set_result("bridgeSetEventInfo", -1);
     event_bridge_set_event(&c);
     EXPECT_EQ(2u, bridge.count_calls("bridgeSetEventInfo"));
@@ -230,6 +234,75 @@ TEST_F(NetlinkEventsTest, WalksStopAtTheEndOfWhatArrived) {
     std::string two = u16_bytes(24) + u16_bytes(NL_IFLA_WIRELESS) + ev + u16_bytes(24) + u16_bytes(NL_IFLA_WIRELESS) + iw_event(20, 1);
     EXPECT_FALSE(nl_wifi_parse_attrs(reinterpret_cast<const uint8_t*>(two.data()), two.size()));
     EXPECT_TRUE(nl_wifi_parse_attrs(reinterpret_cast<const uint8_t*>(two.data()), two.size() - 1));
+}
+
+}  // namespace
+
+namespace {
+
+// Another process bound the daemon's process id as its port first: the
+// daemon binds under the id the kernel picks and tells the bridges that one.
+TEST_F(NetlinkEventsTest, APortIdTakenFirstIsNoObstacle) {
+    event_free(&conf.ev);
+    event_wifi_free(&conf.ev);
+    ASSERT_TRUE(host.squat_nl_port(HYFI_EVENT_PROTOCOL, 4242));
+    ASSERT_TRUE(host.squat_nl_port(0, 4242));
+    EXPECT_FALSE(host.squat_nl_port(0, 4242));  // one holder per id
+    bridge.clear_calls();
+    event_init(&conf.ev);
+    uint32_t port = host.nl_port(host.nl_fd(HYFI_EVENT_PROTOCOL));
+    EXPECT_NE(4242u, port);
+    EXPECT_NE(0u, port);
+    EXPECT_EQ(port, conf.ev.hyfi_port);
+    EXPECT_EQ(1u, bridge.count_calls("bridgeSetEventInfo br-lan " + std::to_string(static_cast<int>(port)) + " 3 25"));
+    EXPECT_NE(4242u, host.nl_port(host.nl_fd(0)));
+    hyfi(nlmsg(20, 3, "ABCD"));
+    EXPECT_EQ(1u, g_events.size());
+}
+
+TEST_F(NetlinkEventsTest, DatagramsNotFromTheKernelAreDroppedAndCounted) {
+    host.queue_datagram(HYFI_EVENT_PROTOCOL, nlmsg(20, 3, "ABCD"), 31337);
+    host.queue_datagram(HYFI_EVENT_PROTOCOL, nlmsg(20, 3, "WXYZ"));
+    ASSERT_TRUE(loop.fd_ready(host.nl_fd(HYFI_EVENT_PROTOCOL)));
+    ASSERT_EQ(1u, g_events.size());
+    EXPECT_EQ("WXYZ", g_bodies[0]);
+    host.queue_datagram(0, newlink(12, iw_event(20, NL_IWEVEXPIRED)), 0x80000001u);
+    ASSERT_TRUE(loop.fd_ready(host.nl_fd(0)));
+    EXPECT_TRUE(bridge.calls_matching("bridgeDelFdbByName").empty());
+    EXPECT_EQ(2u, g_counters.foreign_datagrams);
+    EXPECT_EQ(0u, g_counters.malformed_datagrams);
+    // The first and then every power of two: a flood does not flood the log.
+    EXPECT_EQ(1u, host.count_logged("netlink 26: dropped a datagram from port 31337, not the kernel (1 so far)"));
+    for (int i = 0; i < 6; i++)
+        host.queue_datagram(HYFI_EVENT_PROTOCOL, nlmsg(20, 3, "ABCD"), 31337);
+    ASSERT_TRUE(loop.fd_ready(host.nl_fd(HYFI_EVENT_PROTOCOL)));
+    EXPECT_EQ(3u, host.count_logged("dropped a datagram from port"));  // 1, 2, 4 and 8 of 8
+    EXPECT_EQ(8u, g_counters.foreign_datagrams);
+}
+
+// A rebuild that fails at run time leaves the daemon running and tries
+// again, each pause twice the last, up to a minute.
+TEST_F(NetlinkEventsTest, AFailedRebuildIsRetriedWithGrowingPauses) {
+    host.set_nl_socket_error(HYFI_EVENT_PROTOCOL, EMFILE);
+    host.queue_recv_error(HYFI_EVENT_PROTOCOL, ENOBUFS);
+    ASSERT_TRUE(loop.fd_ready(host.nl_fd(HYFI_EVENT_PROTOCOL)));
+    EXPECT_TRUE(host.logged("] socket: Too many open files, netlink 26 rebuilt again in 1000 ms"));
+    EXPECT_EQ(-1, host.nl_fd(HYFI_EVENT_PROTOCOL));
+    event_bridge_set_event(&conf);  // a "configure" meanwhile: no socket to name
+    EXPECT_EQ(0u, bridge.count_calls("bridgeSetEventInfo"));
+    loop.advance(1000);
+    EXPECT_TRUE(host.logged("rebuilt again in 2000 ms"));
+    loop.advance(2000);
+    EXPECT_TRUE(host.logged("rebuilt again in 4000 ms"));
+    EXPECT_EQ(3u, g_counters.netlink_rebuild_failures);
+    host.set_nl_socket_error(HYFI_EVENT_PROTOCOL, 0);
+    loop.advance(4000);
+    ASSERT_GE(host.nl_fd(HYFI_EVENT_PROTOCOL), 0);
+    EXPECT_EQ(2u, bridge.count_calls("bridgeSetEventInfo"));
+    hyfi(nlmsg(16, 11, ""));
+    EXPECT_EQ(1u, g_events.size());
+    loop.advance(120000);
+    EXPECT_EQ(3u, g_counters.netlink_rebuild_failures);
 }
 
 }  // namespace

@@ -1,4 +1,6 @@
 #include <linux/netlink.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <cstring>
 
@@ -26,6 +28,26 @@ TEST_F(NetlinkMsgTest, SilentKernelIsAQuietFailure) {
     EXPECT_EQ(18, hdr.nlmsg_type);
     EXPECT_EQ(0, hdr.nlmsg_flags);
     EXPECT_TRUE(host.console_lines().empty());
+}
+
+// Another process bound the process id first: the request goes out under
+// the id the kernel picks, and the header names that id.
+TEST_F(NetlinkMsgTest, APortIdTakenFirstIsNoObstacle) {
+    int squatter = socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE);
+    ASSERT_GE(squatter, 0);
+    sockaddr_nl at{};
+    at.nl_family = AF_NETLINK;
+    at.nl_pid = static_cast<uint32_t>(getpid());
+    bool squatted = bind(squatter, reinterpret_cast<sockaddr*>(&at), sizeof at) == 0;
+    uint8_t buf[64] = {};
+    EXPECT_EQ(0, lynd_netlink_msg(18, buf, 13, NETLINK_ROUTE));
+    close(squatter);
+    EXPECT_FALSE(host.logged("netlink socket create failed"));
+    nlmsghdr hdr;
+    std::memcpy(&hdr, buf, sizeof hdr);
+    if (squatted)
+        EXPECT_NE(static_cast<uint32_t>(getpid()), hdr.nlmsg_pid);
+    EXPECT_NE(0u, hdr.nlmsg_pid);
 }
 
 }  // namespace

@@ -49,7 +49,8 @@ protected:
     int announcements(int fd) {
         int n = 0;
         uint8_t buf[256];
-        for (long len; (len = host.nl_recv(fd, buf, sizeof buf)) > 0; n++) {
+        uint32_t sender = 0;
+        for (long len; (len = host.nl_recv(fd, buf, sizeof buf, &sender)) > 0; n++) {
             EXPECT_EQ(16 + HC_ENTRY_SIZE, len);
             EXPECT_EQ(3, nl_first_msg_type(buf, static_cast<size_t>(len)));
         }

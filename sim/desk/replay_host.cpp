@@ -149,10 +149,14 @@ int ReplayHost::fs_space(const char*, FsSpace* out) {
     return static_cast<int>(r->num("rc", -EIO));
 }
 
-bool ReplayHost::write_file(const char* path, const char* data, size_t len) {
+bool ReplayHost::write_file(const char* path, const char* data, size_t len, int* err) {
     TraceLine& l = tape_->begin("write");
     req_write(l, path, data, len);
-    return rc_of(l, 1) != 0;
+    const TraceRecord* r = tape_->take(l);
+    bool ok = r == nullptr || r->num("rc", 1) != 0;
+    if (err != nullptr)
+        *err = ok ? 0 : static_cast<int>(r->num("err", EIO));
+    return ok;
 }
 
 int ReplayHost::close_fd(int fd) {
@@ -220,14 +224,18 @@ int ReplayHost::nl_socket(int protocol) {
     return fd;
 }
 
-int ReplayHost::nl_bind(int fd, uint32_t groups) {
+int ReplayHost::nl_bind(int fd, uint32_t groups, uint32_t* port) {
     TraceLine& l = tape_->begin("nl_bind");
     l.num("fd", fd);
     l.num("groups", groups);
-    return static_cast<int>(rc_of(l, -EBADF));
+    const TraceRecord* r = tape_->take(l);
+    if (r == nullptr)
+        return -EBADF;
+    *port = static_cast<uint32_t>(r->num("nl_port", 0));
+    return static_cast<int>(r->num("rc", -EBADF));
 }
 
-long ReplayHost::nl_recv(int fd, void* buf, size_t size) {
+long ReplayHost::nl_recv(int fd, void* buf, size_t size, uint32_t* sender) {
     TraceLine& l = tape_->begin("nl_recv");
     l.num("fd", fd);
     l.num("size", static_cast<int64_t>(size));
@@ -235,6 +243,7 @@ long ReplayHost::nl_recv(int fd, void* buf, size_t size) {
     if (r == nullptr)
         return -EAGAIN;
     int64_t rc = r->num("rc", -EAGAIN);
+    *sender = static_cast<uint32_t>(r->num("nl_from", 0));
     if (rc <= 0)
         return rc < -4095 ? -EIO : static_cast<long>(rc);
     size_t n = copy_out(r->bytes("data", size), buf, size);

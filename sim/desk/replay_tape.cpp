@@ -12,7 +12,8 @@ namespace {
 constexpr size_t kRecent = 6;
 
 const char* const kAnswerFields[] = {"t",    "rc",   "out",  "out_x", "mac", "value", "value_x",
-                                     "mode", "family", "addr", "got",  "data", "data_x", "s", "ns"};
+                                     "mode", "family", "addr", "got",  "data", "data_x", "s", "ns",
+                                     "err", "nl_port", "nl_from"};
 
 bool is_answer(const char* kind, const char* key) {
     if (std::strcmp(kind, "ifname") == 0 && std::strcmp(key, "name") == 0)

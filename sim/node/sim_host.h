@@ -47,8 +47,11 @@ public:
     bool has_file(const std::string& path) const;
     std::string file(const std::string& path) const;
     const std::map<std::string, std::string>& files() const { return files_; }
-    // How often the daemon wrote path.
+    // How often the daemon wrote path (writes that failed aside).
     int writes(const std::string& path) const;
+    // Writes of path fail with error (an errno value) until it is 0 again:
+    // a directory, a foreign file or a full disk in its place.
+    void set_file_obstacle(const std::string& path, int error);
     // Virtual time for the clocks; without a loop they stand at zero.
     void set_clock(SimLoop* loop) { clock_ = loop; }
     // Log lines are also copied to standard error when echo is on.
@@ -67,14 +70,20 @@ public:
     void clear_runs() { runs_.clear(); }
 
     // Netlink: sockets of a protocol get descriptors from 100 on; datagrams
-    // queued for a protocol are read by its newest socket. A receive error
-    // (-errno) can be queued too.
-    void queue_datagram(int protocol, const std::string& bytes);
+    // queued for a protocol are read by its newest socket, from sender (0:
+    // the kernel). A receive error (-errno) can be queued too.
+    void queue_datagram(int protocol, const std::string& bytes, uint32_t sender = 0);
     void queue_recv_error(int protocol, int error);
     void set_nl_socket_error(int protocol, int error) { nl_socket_errors_[protocol] = error; }
     void set_nl_bind_error(int protocol, int error) { nl_bind_errors_[protocol] = error; }
+    // Another process binds port on protocol: false when it is taken. A
+    // bind asks the kernel for a port id as the daemon's does: the process
+    // id when free, else one counted down from -4096, never one in use.
+    bool squat_nl_port(int protocol, uint32_t port);
     // The descriptor of protocol's open socket, or -1.
     int nl_fd(int protocol) const;
+    // The port id fd is bound to, 0 when unbound.
+    uint32_t nl_port(int fd) const;
     int nl_opened(int protocol) const;
 
     // /proc/stat comes from cpu unless a file was set for it.
@@ -107,7 +116,7 @@ public:
         fs_.avail = avail;
         fs_.total = total;
     }
-    bool write_file(const char* path, const char* data, size_t len) override;
+    bool write_file(const char* path, const char* data, size_t len, int* err) override;
     int close_fd(int fd) override;
     int dgram_socket() override;
     int dev_ioctl(int fd, unsigned long request, void* arg) override;
@@ -115,8 +124,8 @@ public:
     long packet_send(int fd, unsigned ifindex, uint16_t ethertype, const uint8_t* dst, const void* frame,
                      size_t len) override;
     int nl_socket(int protocol) override;
-    int nl_bind(int fd, uint32_t groups) override;
-    long nl_recv(int fd, void* buf, size_t size) override;
+    int nl_bind(int fd, uint32_t groups, uint32_t* port) override;
+    long nl_recv(int fd, void* buf, size_t size, uint32_t* sender) override;
     timespec monotonic_now() override;
     time_t wall_now() override;
     int pid() override { return 4242; }
@@ -141,9 +150,17 @@ private:
         uint32_t groups;
         bool open;
         bool bound;
+        uint32_t port;
     };
+    struct NlItem {
+        int error;
+        std::string bytes;
+        uint32_t sender;
+    };
+    bool nl_port_taken(int protocol, uint32_t port) const;
     std::vector<NlSocket> nl_sockets_;  // index + 100 is the descriptor
-    std::map<int, std::vector<std::pair<int, std::string>>> nl_queues_;  // error or datagram
+    std::map<int, std::vector<NlItem>> nl_queues_;
+    std::vector<std::pair<int, uint32_t>> nl_squatters_;  // protocol, port
     std::map<int, int> nl_socket_errors_;
     std::map<int, int> nl_bind_errors_;
 
@@ -169,6 +186,7 @@ private:
     std::vector<SimInterface> interfaces_;
     std::map<std::string, std::string> files_;
     std::map<std::string, int> writes_;
+    std::map<std::string, int> obstacles_;
     std::vector<std::string> console_;
     std::vector<std::string> syslog_;
     std::vector<std::string> runs_;

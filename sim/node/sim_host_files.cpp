@@ -1,6 +1,7 @@
 #include "sim/node/sim_host.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 
 #include "sim/node/sim_cpu.h"
@@ -44,7 +45,20 @@ int SimHost::writes(const std::string& path) const {
     return it == writes_.end() ? 0 : it->second;
 }
 
-bool SimHost::write_file(const char* path, const char* data, size_t len) {
+void SimHost::set_file_obstacle(const std::string& path, int error) {
+    obstacles_[path] = error;
+    // A directory stands where the file was.
+    if (error == EISDIR)
+        files_.erase(path);
+}
+
+bool SimHost::write_file(const char* path, const char* data, size_t len, int* err) {
+    auto o = obstacles_.find(path);
+    int why = o != obstacles_.end() ? o->second : 0;
+    if (err != nullptr)
+        *err = why;
+    if (why != 0)
+        return false;
     writes_[path]++;
     files_[path] = std::string(data, len);
     return true;

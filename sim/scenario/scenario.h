@@ -28,9 +28,10 @@ struct ScenarioBridge {
     std::vector<std::string> ports;
 };
 
-// CLIENT: kept by the client model; UBUS_CALL: a method call on an object.
-// FILE: a file of the node is written anew (name its path, data its content).
-enum class TimelineKind { UBUS, NETLINK, STATION_EXPIRED, LINK, UCI, BUS, CLIENT, UBUS_CALL, FILE };
+// CLIENT: kept by the client model; UBUS_CALL: a method call on an object;
+// FILE: a file of the node is written anew (name its path, data its content);
+// SQUAT: an obstacle put in the way of a state file (or taken away).
+enum class TimelineKind { UBUS, NETLINK, STATION_EXPIRED, LINK, UCI, BUS, CLIENT, UBUS_CALL, FILE, SQUAT };
 
 struct TimelineEntry {
     int64_t at_ms = 0;
@@ -38,6 +39,7 @@ struct TimelineEntry {
     std::string name;   // ubus event name, or the interface that lost a station or changes its link
     std::string data;   // ubus payload, link fields or UCI values (JSON text), or the raw netlink datagram
     std::string method;  // of a ubus call
+    uint32_t from = 0;   // the netlink sender's port id, 0 for the kernel
 };
 
 enum class ExpectKind {
@@ -98,6 +100,8 @@ struct Scenario {
     std::map<std::string, std::vector<SimStation>> stations;
     std::vector<SimClient> clients;
     SimHcModel hc_model;  // node.hc_table, and the configuration's paths
+    std::vector<int> netlink_squat;  // protocols whose pid port another process holds
+    std::vector<std::pair<std::string, int>> file_squats;  // state file -> errno its writes meet
     std::vector<TimelineEntry> timeline;
     std::vector<Expectation> expect;
 };

@@ -11,6 +11,7 @@
 #include "sim/scenario/scenario_clients.h"
 #include "sim/scenario/scenario_expect.h"
 #include "sim/scenario/scenario_radios.h"
+#include "sim/scenario/scenario_squat.h"
 
 namespace lynd {
 
@@ -163,6 +164,8 @@ void parse_node(Reader& r, json_object* node, Scenario* out) {
         (void)json_get_int(r, fs, "total", 0, INT64_MAX, &out->fs_total);
     }
     parse_node_mesh(r, node, out);
+    parse_node_squatters(r, node, out);
+    parse_node_file_squats(r, node, out);
     parse_hc_model(r, node, out);
 }
 
@@ -179,6 +182,7 @@ void parse_timeline_entry(Reader& r, json_object* o, Scenario* out, TimelineEntr
         std::string problem;
         if (!craft_bridge_datagram(nl, &e->data, &problem))
             r.fail("netlink entry: " + problem);
+        parse_datagram_sender(r, o, e);
     } else if (json_get_string(r, o, "station_expired", &ifname, kMaxIfname)) {
         e->kind = TimelineKind::STATION_EXPIRED;
         e->name = ifname;
@@ -187,6 +191,7 @@ void parse_timeline_entry(Reader& r, json_object* o, Scenario* out, TimelineEntr
             known = known || i.name == ifname;
         if (!known)
             r.fail("station_expired names an interface the node does not have: " + ifname);
+        parse_datagram_sender(r, o, e);
     } else if (json_get_string(r, o, "link", &ifname, kMaxIfname)) {
         e->kind = TimelineKind::LINK;
         e->name = ifname;
@@ -216,8 +221,9 @@ void parse_timeline_entry(Reader& r, json_object* o, Scenario* out, TimelineEntr
         Scenario scratch;
         parse_uci(r, uci, &scratch);
         e->data = json_object_to_json_string_ext(uci, JSON_C_TO_STRING_PLAIN);
+    } else if (parse_file_squat(r, o, e)) {
     } else if (r.ok) {
-        r.fail("timeline entry of an unknown kind (ubus, ubus_call, netlink, station_expired, link, uci, bus, file, "
+        r.fail("timeline entry of an unknown kind (ubus, ubus_call, netlink, station_expired, link, uci, bus, file, squat, "
                "client_join or client_leave)");
     }
 }

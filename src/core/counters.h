@@ -33,6 +33,11 @@ struct lynd_counters {
     uint64_t tool_run_failures;
     uint64_t events[COUNTER_EVENT_TYPES];  // by event type
     uint64_t malformed_datagrams;
+    uint64_t foreign_datagrams;      // netlink datagrams not from the kernel, dropped
+    uint64_t netlink_rebuild_failures;
+    uint64_t console_lines_dropped;  // the console would have blocked
+    uint64_t state_file_failures;    // writes of the state files in /tmp that failed
+    uint64_t client_pool_full;       // clients refused a record: all were taken
 };
 extern lynd_counters g_counters;
 void lynd_counters_reset();

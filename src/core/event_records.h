@@ -89,6 +89,9 @@ struct event_listener {
 struct event_hub {
     lynd_list listeners;
     lynd::LoopFd hyfi_fd;  // hybrid-bridge netlink
+    uint32_t hyfi_port;    // its port id, which the bridges send to
+    lynd::LoopTimer hyfi_retry;  // rebuilds a socket whose rebuild failed
+    uint32_t hyfi_retry_ms;
     lynd::LoopFd wifi_fd;  // wireless rtnetlink
     uint32_t eth_state[4];  // last reported state of Ethernet ports 1..4
     bool bus_connected;

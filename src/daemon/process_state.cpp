@@ -7,6 +7,7 @@
 #include "core/decision_ring.h"
 #include "core/log.h"
 #include "core/shadow.h"
+#include "core/state_file.h"
 #include "daemon/restart_request.h"
 #include "event/event_dispatch.h"
 #include "modules/loop_avoidance/bcast_port.h"
@@ -29,6 +30,7 @@ void lynd_process_state_reset() {
     decision_ring_reset();
     lynd_shadow_reset();
     lynd_counters_reset();
+    lynd_state_files_reset();
     lynd_log_to_syslog(false);
     lynd_restart_reset();
 }

@@ -25,6 +25,8 @@ void event_loop(event_hub* ev) {
 // The wireless socket stays open until the process ends.
 void event_free(event_hub* ev) {
     event_ubus_free(ev);
+    if (ev->hyfi_retry.pending)
+        (void)lynd::loop().timer_cancel(&ev->hyfi_retry);
     lynd::LoopFd* f = &ev->hyfi_fd;
     if (f->registered)
         lynd::loop().fd_delete(f);

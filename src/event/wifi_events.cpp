@@ -11,10 +11,10 @@
 #include "core/wire.h"
 #include "event/event_dispatch.h"
 #include "event/netlink_datagram.h"
+#include "event/netlink_sender.h"
 #include "platform/seams.h"
 
 namespace {
-
 
 event_hub* hub_of_wifi_fd(lynd::LoopFd* f) {
     return static_cast<event_hub*>(lynd_container_of(f, offsetof(event_hub, wifi_fd)));
@@ -33,7 +33,8 @@ void event_wifi_init(event_hub* ev) {
     int fd = host.nl_socket(0);
     if (fd < 0)
         LYND_FATAL("Fatal(%s): socket", std::strerror(-fd));
-    int rc = host.nl_bind(fd, RTMGRP_LINK_GROUP);
+    uint32_t port = 0;
+    int rc = host.nl_bind(fd, RTMGRP_LINK_GROUP, &port);
     if (rc < 0)
         wifi_fatal_closing(fd, "bind", -rc);
     ev->wifi_fd = lynd::LoopFd{};
@@ -58,10 +59,13 @@ void event_wifi_nl_cb(lynd::LoopFd* f, unsigned) {
     uint8_t buf[NL_RECV_BUF_SIZE];
     for (;;) {
         std::memset(buf, 0, sizeof buf);
-        long n = lynd::host().nl_recv(f->fd, buf, sizeof buf);
+        uint32_t sender = 0;
+        long n = lynd::host().nl_recv(f->fd, buf, sizeof buf, &sender);
         if (n <= 0)
             return;
         size_t len = static_cast<size_t>(n);
+        if (!event_nl_from_kernel(sender, 0))
+            continue;
         if (!nl_first_msg_ok(buf, len))
             g_counters.malformed_datagrams++;
         else if (nl_first_msg_type(buf, len) == NL_RTM_NEWLINK)

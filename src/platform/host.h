@@ -48,8 +48,9 @@ public:
     virtual long read_file(const char* path, char* buf, size_t size) = 0;
     // The size of path in bytes; -1 when it cannot be looked at.
     virtual long file_size(const char* path) = 0;
-    // Replaces path with data (written whole, then renamed into place).
-    virtual bool write_file(const char* path, const char* data, size_t len) = 0;
+    // Replaces path with data (written whole, then renamed into place). When
+    // it cannot, err (unless null) gets why, as an errno value.
+    virtual bool write_file(const char* path, const char* data, size_t len, int* err) = 0;
 
     // The room of the filesystem holding path (statvfs): 0, or -errno. The
     // recorder's own question about its trace directory, never recorded.
@@ -71,10 +72,12 @@ public:
 
     // A raw netlink socket of protocol: its descriptor, or -errno.
     virtual int nl_socket(int protocol) = 0;
-    // Binds it to port id pid() and groups: 0, or -errno.
-    virtual int nl_bind(int fd, uint32_t groups) = 0;
+    // Binds it to groups under a port id the kernel picks (a fixed one could
+    // be taken first by anyone): 0 with that id in *port, or -errno.
+    virtual int nl_bind(int fd, uint32_t groups, uint32_t* port) = 0;
     // One datagram, without waiting: its length, or -errno (-EAGAIN: none).
-    virtual long nl_recv(int fd, void* buf, size_t size) = 0;
+    // *sender is the port id it came from, 0 for the kernel.
+    virtual long nl_recv(int fd, void* buf, size_t size, uint32_t* sender) = 0;
 
     virtual timespec monotonic_now() = 0;
     virtual time_t wall_now() = 0;

@@ -37,7 +37,8 @@ public:
     virtual int64_t timer_remaining(const LoopTimer* t) = 0;
     virtual int fd_add(LoopFd* f, unsigned events) = 0;
     virtual int fd_delete(LoopFd* f) = 0;
-    // Runs until end() or SIGINT/SIGTERM.
+    // Runs until end() or SIGINT/SIGTERM; SIGHUP, SIGUSR1 and SIGUSR2 neither
+    // end it nor kill the process.
     virtual void run() = 0;
     virtual void end() = 0;
     virtual int64_t now_ms() = 0;

@@ -128,11 +128,16 @@ int RecHost::fs_space(const char* path, FsSpace* out) {
     return rc;
 }
 
-bool RecHost::write_file(const char* path, const char* data, size_t len) {
-    bool ok = in_->write_file(path, data, len);
+bool RecHost::write_file(const char* path, const char* data, size_t len, int* err) {
+    int why = 0;
+    bool ok = in_->write_file(path, data, len, &why);
+    if (err != nullptr)
+        *err = why;
     TraceLine& l = trace_begin("write");
     req_write(l, path, data, len);
     l.num("rc", ok ? 1 : 0);
+    if (!ok)
+        l.num("err", why);
     trace_emit();
     return ok;
 }
@@ -171,22 +176,27 @@ int RecHost::nl_socket(int protocol) {
     return fd;
 }
 
-int RecHost::nl_bind(int fd, uint32_t groups) {
-    int rc = in_->nl_bind(fd, groups);
+int RecHost::nl_bind(int fd, uint32_t groups, uint32_t* port) {
+    int rc = in_->nl_bind(fd, groups, port);
     TraceLine& l = trace_begin("nl_bind");
     l.num("fd", fd);
     l.num("groups", groups);
     l.num("rc", rc);
+    if (rc == 0)
+        l.num("nl_port", *port);
     trace_emit();
     return rc;
 }
 
-long RecHost::nl_recv(int fd, void* buf, size_t size) {
-    long rc = in_->nl_recv(fd, buf, size);
+long RecHost::nl_recv(int fd, void* buf, size_t size, uint32_t* sender) {
+    long rc = in_->nl_recv(fd, buf, size, sender);
     TraceLine& l = trace_begin("nl_recv");
     l.num("fd", fd);
     l.num("size", static_cast<int64_t>(size));
     l.num("rc", rc);
+    // Only a sender other than the kernel is written: older traces read on.
+    if (rc >= 0 && *sender != 0)
+        l.num("nl_from", *sender);
     if (rc > 0)
         trace_hex_ordered(l, "data", families_.of(fd), buf, static_cast<size_t>(rc) < size ? static_cast<size_t>(rc) : size);
     trace_emit();

@@ -20,7 +20,7 @@ public:
     long read_file(const char* path, char* buf, size_t size) override;
     long file_size(const char* path) override;
     int fs_space(const char* path, FsSpace* out) override;
-    bool write_file(const char* path, const char* data, size_t len) override;
+    bool write_file(const char* path, const char* data, size_t len, int* err) override;
     int close_fd(int fd) override;
     int dgram_socket() override;
     int dev_ioctl(int fd, unsigned long request, void* arg) override;
@@ -28,8 +28,8 @@ public:
     long packet_send(int fd, unsigned ifindex, uint16_t ethertype, const uint8_t* dst, const void* frame,
                      size_t len) override;
     int nl_socket(int protocol) override;
-    int nl_bind(int fd, uint32_t groups) override;
-    long nl_recv(int fd, void* buf, size_t size) override;
+    int nl_bind(int fd, uint32_t groups, uint32_t* port) override;
+    long nl_recv(int fd, void* buf, size_t size, uint32_t* sender) override;
     timespec monotonic_now() override;
     time_t wall_now() override;
     int pid() override;

@@ -35,5 +35,10 @@ void status_put_counters(BusReply& r) {
                  {"bridge_call_failures", value(c.bridge_call_failures)},
                  {"tool_run_failures", value(c.tool_run_failures)}});
     put_group(r, "events", event_keys, c.events, COUNTER_EVENT_TYPES);
-    r.put_int("malformed_datagrams", value(c.malformed_datagrams));
+    put_ints(r, {{"malformed_datagrams", value(c.malformed_datagrams)},
+                 {"foreign_datagrams", value(c.foreign_datagrams)},
+                 {"netlink_rebuild_failures", value(c.netlink_rebuild_failures)},
+                 {"console_lines_dropped", value(c.console_lines_dropped)},
+                 {"state_file_failures", value(c.state_file_failures)},
+                 {"client_pool_full", value(c.client_pool_full)}});
 }

@@ -1,11 +1,13 @@
 #include <cstring>
 
+#include "core/counters.h"
 #include "core/decision_ring.h"
 #include "core/log.h"
 #include "core/queries.h"
 #include "core/shadow.h"
 #include "daemon/replies/status_replies.h"
 #include "modules/loop_avoidance/bcast_port.h"
+#include "modules/path_selection/hc_records.h"
 #include "platform/seams.h"
 
 using lynd::BusReply;
@@ -65,6 +67,10 @@ void status_reply_status(const status_context& ctx, BusReply& r) {
     r.put_int("brconf_mode", conf->brconf_mode);
     r.put_bool("shadow", lynd_shadow_mode());
     r.put_int("shadow_held", lynd_shadow_held_count());
+    // Pressure on the client records: a full pool leaves new clients unsteered.
+    put_ints(r, {{"client_pool_used", hc_pool_used()},
+                 {"client_pool_size", HC_MAX_CLIENTS},
+                 {"client_pool_full", static_cast<int64_t>(g_counters.client_pool_full)}});
     r.open_array("bridges");
     for (uint64_t i = 0; i < conf->n_bridges && i < LYND_MAX_BRIDGES; i++)
         put_bridge(r, conf->bridges[i], static_cast<int>(i));

@@ -9,6 +9,8 @@
 #include "core/decision_ring.h"
 #include "core/log.h"
 #include "core/shadow.h"
+#include "core/state_file.h"
+#include "modules/loop_avoidance/loop_avoidance.h"
 #include "platform/seams.h"
 #include "wlan/wlan.h"
 
@@ -151,14 +153,29 @@ void loop_avoidance_keep_picks(lynd_config* conf, int i, const bcast_picks& pk) 
 
 void loop_avoidance_publish_bcast_port(lynd_config* conf, int i, const char* name, const char* reason) {
     decision_record(DECISION_BCAST_PORT, conf->bridges[i].name, g_loop_avoidance.last_bcast_port[i], name, reason);
-    char text[LYND_NAME_LEN + 1];
     size_t len = strnlen(name, LYND_NAME_LEN - 1);
-    std::memcpy(text, name, len);
-    text[len] = '\n';
-    if (!lynd_shadow_holds("broadcast file") && !lynd::host().write_file(BCAST_PORT_FILE, text, len + 1))
-        LYND_ERR("write %s", BCAST_PORT_FILE);
+    if (!lynd_shadow_holds("broadcast file")) {
+        char* text = g_loop_avoidance.bcast_file_text;
+        std::memcpy(text, name, len);
+        text[len] = '\n';
+        g_loop_avoidance.bcast_file_len = static_cast<uint8_t>(len + 1);
+        g_loop_avoidance.bcast_file_pending = true;
+        (void)loop_avoidance_write_bcast_file(conf);
+    }
     std::memset(g_loop_avoidance.last_bcast_port[i], 0, LYND_NAME_LEN);
     std::memcpy(g_loop_avoidance.last_bcast_port[i], name, len);
+}
+
+bool loop_avoidance_write_bcast_file(lynd_config* conf) {
+    loop_avoidance_state& st = g_loop_avoidance;
+    if (!st.bcast_file_pending)
+        return true;
+    if (lynd_write_state_file(BCAST_PORT_FILE, st.bcast_file_text, st.bcast_file_len)) {
+        st.bcast_file_pending = false;
+        return true;
+    }
+    loop_avoidance_retry_later(conf);
+    return false;
 }
 
 int32_t lynd_get_link_prio(uint32_t type) {

@@ -20,6 +20,10 @@ struct loop_avoidance_state {
     char last_bcast_port[LYND_MAX_BRIDGES][LYND_NAME_LEN];
     bcast_pick_kept picks[LYND_MAX_BRIDGES][TS_MAX_VLANS];
     uint8_t n_picks[LYND_MAX_BRIDGES];
+    // The broadcast file's text while a write of it has yet to succeed.
+    char bcast_file_text[LYND_NAME_LEN + 1];
+    uint8_t bcast_file_len;
+    bool bcast_file_pending;
 };
 extern loop_avoidance_state g_loop_avoidance;
 void loop_avoidance_state_reset();
@@ -43,5 +47,8 @@ int loop_avoidance_vlans(const lynd_config* conf, const uint32_t** vids);
 // Writes name and a newline to the broadcast file and remembers it for
 // bridge index i, as a decision taken for reason.
 void loop_avoidance_publish_bcast_port(lynd_config* conf, int i, const char* name, const char* reason);
+// Writes the broadcast file's pending text, if any: false when it is still
+// pending (a retry is then armed).
+bool loop_avoidance_write_bcast_file(lynd_config* conf);
 // Remembers the picks of bridge index i for an operator's question.
 void loop_avoidance_keep_picks(lynd_config* conf, int i, const bcast_picks& pk);

@@ -1,5 +1,6 @@
 #include "modules/loop_avoidance/loop_avoidance.h"
 
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -17,6 +18,20 @@
 namespace {
 
 constexpr const char* kFn = "loop_avoidance_event_cb";
+
+// The module's record: the retry of a broadcast file write lives with it.
+struct la_module {
+    lynd_module base;
+    lynd::LoopTimer file_retry;
+    lynd_config* conf;
+};
+
+la_module* la_of(lynd_module* m) { return static_cast<la_module*>(lynd_container_of(m, offsetof(la_module, base))); }
+
+void on_file_retry(lynd::LoopTimer* t) {
+    la_module* la = static_cast<la_module*>(lynd_container_of(t, offsetof(la_module, file_retry)));
+    (void)loop_avoidance_write_bcast_file(la->conf);
+}
 
 void apply_switch(uint32_t* flags, uint32_t bit, uint32_t value) {
     if (value == TRI_ON)
@@ -91,11 +106,14 @@ bool learnt_away_from_wds(lynd_config* conf, const char* ifname, conf_interface*
 }  // namespace
 
 lynd_module* loop_avoidance_init(lynd_config* conf) {
-    lynd_module* m = new (std::nothrow) lynd_module{};
-    if (m == nullptr) {
+    la_module* la = new (std::nothrow) la_module{};
+    if (la == nullptr) {
         LYND_ERR("malloc");
         return nullptr;
     }
+    la->conf = conf;
+    la->file_retry.cb = on_file_retry;
+    lynd_module* m = &la->base;
     m->name = "Loop avoidance";
     m->id = LYND_MODULE_LOOP_AVOIDANCE;
     m->finit = loop_avoidance_finit;
@@ -105,8 +123,22 @@ lynd_module* loop_avoidance_init(lynd_config* conf) {
 }
 
 void loop_avoidance_finit(lynd_module* module) {
+    la_module* la = la_of(module);
+    if (la->file_retry.pending)
+        (void)lynd::loop().timer_cancel(&la->file_retry);
     event_del_listener(&module->listener);
-    delete module;
+    delete la;
+}
+
+void loop_avoidance_retry_later(lynd_config* conf) {
+    lynd_module* m = conf->modules.next != nullptr ? lynd_get_mod_contex(&conf->modules, LYND_MODULE_LOOP_AVOIDANCE)
+                                                   : nullptr;
+    if (m == nullptr)
+        return;
+    la_module* la = la_of(m);
+    uint32_t ms = conf->param.period != 0 ? conf->param.period : LA_FILE_RETRY_DEFAULT_MS;
+    if (!la->file_retry.pending)
+        (void)lynd::loop().timer_set(&la->file_retry, static_cast<int>(ms));
 }
 
 void loop_avoidance_event_cb(lynd_config* conf, event_listener*, uint32_t type, void* data) {

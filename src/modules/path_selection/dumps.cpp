@@ -4,6 +4,7 @@
 
 #include "config/config.h"
 #include "core/log.h"
+#include "core/state_file.h"
 #include "modules/path_selection/paths_info_json.h"
 #include "platform/seams.h"
 
@@ -42,8 +43,9 @@ int path_selection_dump_paths_info(conf_bridge*, hc_path* paths) {
             rows[n++] = paths_info_row{paths[t].name, paths[t].rate, paths[t].util};
     char text[PATHS_INFO_MAX];
     size_t len = path_selection_format_paths_info(rows, n, text, sizeof text);
+    // A write that fails is made again at the next period run.
     if (len > 0)
-        (void)lynd::host().write_file(PATHS_INFO_FILE, text, len);
+        (void)lynd_write_state_file(PATHS_INFO_FILE, text, len);
     return static_cast<int>(n);
 }
 

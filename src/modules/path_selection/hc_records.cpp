@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstring>
 
+#include "core/counters.h"
 #include "core/log.h"
 #include "modules/path_selection/client_log.h"
 #include "modules/path_selection/explain_records.h"
@@ -42,11 +43,20 @@ hc_client* hc_client_of_path_node(lynd_list* l) {
     return static_cast<hc_client*>(lynd_container_of(l, offsetof(hc_client, path_node)));
 }
 
+// A refusal is counted: spoofed addresses or an overfull node show.
 hc_client* hc_pool_alloc() {
     for (auto& c : hc_entrys)
         if (c.path_node.next == nullptr && c.path_node.prev == nullptr)
             return &c;
+    g_counters.client_pool_full++;
     return nullptr;
+}
+
+int hc_pool_used() {
+    int n = 0;
+    for (const auto& c : hc_entrys)
+        n += c.path_node.next != nullptr || c.path_node.prev != nullptr;
+    return n;
 }
 
 void hc_pool_clear() {

@@ -113,7 +113,10 @@ inline bool path_is_live(const hc_path& p) { return p.state > PATH_UNLINK; }
 
 hc_client* hc_client_of_path_node(lynd_list* l);
 // The first free record, or null when all are in use.
+// A free record, or null (counted) when all are taken.
 hc_client* hc_pool_alloc();
+// Records taken.
+int hc_pool_used();
 void hc_pool_clear();
 // The first record of a path list with that client MAC; null for a null
 // list or key.

@@ -6,8 +6,11 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstring>
+#include <ctime>
 
+#include "core/counters.h"
 #include "core/log.h"
 
 namespace {
@@ -16,12 +19,9 @@ constexpr int kReplyWaitMs = 1000;
 // The steps log for the exchange as a whole.
 constexpr const char* kFn = "lynd_netlink_msg";
 
-uint32_t port_id() {
-    static const uint32_t pid = static_cast<uint32_t>(getpid());
-    return pid;
-}
-
-int open_socket(int protocol) {
+// The port id is the kernel's choice: a fixed one (the process id) could be
+// bound first by anyone.
+int open_socket(int protocol, uint32_t* port) {
     int fd = socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, protocol);
     if (fd < 0) {
         LYND_ERR_AS(kFn, "netlink socket create failed\n");
@@ -34,12 +34,14 @@ int open_socket(int protocol) {
     }
     sockaddr_nl local{};
     local.nl_family = AF_NETLINK;
-    local.nl_pid = port_id();
-    if (bind(fd, reinterpret_cast<sockaddr*>(&local), sizeof local) < 0) {
+    socklen_t llen = sizeof local;
+    if (bind(fd, reinterpret_cast<sockaddr*>(&local), sizeof local) < 0 ||
+        getsockname(fd, reinterpret_cast<sockaddr*>(&local), &llen) < 0) {
         LYND_ERR_AS(kFn, "netlink socket create failed\n");
         close(fd);
         return -1;
     }
+    *port = local.nl_pid;
     return fd;
 }
 
@@ -55,6 +57,14 @@ bool size_buffers(int fd, int len) {
     return true;
 }
 
+int64_t now_ms() {
+    timespec ts{};
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    return static_cast<int64_t>(ts.tv_sec) * 1000 + ts.tv_nsec / 1000000;
+}
+
+// The kernel's answer within the wait; what another process sent to the
+// port meanwhile is dropped.
 bool exchange(int fd, uint8_t* buf, int len) {
     sockaddr_nl kernel{};
     kernel.nl_family = AF_NETLINK;
@@ -62,14 +72,25 @@ bool exchange(int fd, uint8_t* buf, int len) {
         LYND_ERR_AS(kFn, "netlink socket send failed\n");
         return false;
     }
-    pollfd p{fd, POLLIN, 0};
-    if (poll(&p, 1, kReplyWaitMs) <= 0)
-        return false;  // no answer in time: quietly a failure
-    if (recv(fd, buf, static_cast<size_t>(len), MSG_WAITALL) < 1) {
-        LYND_ERR_AS(kFn, "netlink socket receive failed\n");
-        return false;
+    int64_t deadline = now_ms() + kReplyWaitMs;
+    for (;;) {
+        int64_t left = deadline - now_ms();
+        pollfd p{fd, POLLIN, 0};
+        if (left <= 0 || poll(&p, 1, static_cast<int>(left)) <= 0)
+            return false;  // no answer in time: quietly a failure
+        sockaddr_nl from{};
+        socklen_t flen = sizeof from;
+        ssize_t n = recvfrom(fd, buf, static_cast<size_t>(len), MSG_DONTWAIT, reinterpret_cast<sockaddr*>(&from), &flen);
+        if (n < 0 && (errno == EAGAIN || errno == EINTR))
+            continue;
+        if (n < 1) {
+            LYND_ERR_AS(kFn, "netlink socket receive failed\n");
+            return false;
+        }
+        if (flen >= sizeof from && from.nl_family == AF_NETLINK && from.nl_pid == 0)
+            return true;
+        g_counters.foreign_datagrams++;
     }
-    return true;
 }
 
 }  // namespace
@@ -78,7 +99,8 @@ int lynd_netlink_msg(int msg_type, uint8_t* buf, int size, int protocol) {
     LYND_DEBUG("msg_type %d(0x%x), netlink_key %d", msg_type, msg_type, protocol);
     if (buf == nullptr || size < 0)
         return 0;
-    int fd = open_socket(protocol);
+    uint32_t port = 0;
+    int fd = open_socket(protocol, &port);
     if (fd < 0)
         return 0;
     // The netlink header goes first; the length covers it and size bytes.
@@ -88,7 +110,7 @@ int lynd_netlink_msg(int msg_type, uint8_t* buf, int size, int protocol) {
     hdr.nlmsg_len = static_cast<uint32_t>(len);
     hdr.nlmsg_type = static_cast<uint16_t>(msg_type);
     hdr.nlmsg_flags = 0;
-    hdr.nlmsg_pid = port_id();
+    hdr.nlmsg_pid = port;
     std::memcpy(buf, &hdr, sizeof hdr);
     bool ok = size_buffers(fd, len) && exchange(fd, buf, len);
     close(fd);

@@ -2,6 +2,8 @@
 
 #include <ctime>
 
+#include "targets/linux/quiet_signals.h"
+
 namespace lynd {
 
 UloopLoop::UloopLoop() {
@@ -12,6 +14,8 @@ UloopLoop::UloopLoop() {
 int UloopLoop::init() {
     if (uloop_init() != 0)
         return -1;
+    // uloop ends the run on SIGINT and SIGTERM; the others must not kill it.
+    lynd_quiet_signals();
     rearm();  // timers armed before the loop existed
     return 0;
 }
