@@ -75,7 +75,10 @@ std::vector<LengthCase> length_cases() {
                       l.num("size", 64);
                   },
                   ",\"rc\":100000,\"data\":\"0a0b0c0d\""),
-         4, [](lynd::ReplayTape& t) { return lynd::ReplayHost(&t).nl_recv(3, buf, 64); }},
+         4, [](lynd::ReplayTape& t) {
+             uint32_t sender = 0;
+             return lynd::ReplayHost(&t).nl_recv(3, buf, 64, &sender);
+         }},
         {"a station table of 60000 bytes, 8 recorded",
          answered("ioctl",
                   [](lynd::TraceLine& l) {
@@ -207,9 +210,9 @@ TEST_F(ReplayHostileTraceTest, EachHostileLineEndsTheReplayInBoundedMemoryAndIsN
          false, 2, "a monotonic clock reading out of range"},
         {"a line longer than any the recorder writes",
          [](const std::string& t) {
-             return with_line(t, "\"k\":\"stop\"", "{\"t\":260000,\"k\":\"stop\",\"pad\":\"" + std::string(300000, 'x') + "\"}");
+             return with_line(t, "\"k\":\"stop\"", "{\"t\":260000,\"k\":\"stop\",\"pad\":\"" + std::string(600000, 'x') + "\"}");
          },
-         false, 2, "longer than 262144 bytes"},
+         false, 2, "longer than 540672 bytes"},
         {"a what-if whose trace ends 139 years on",
          [](const std::string& t) { return cut_with_far_stop(t, 20000, lynd::TRACE_TIME_MAX); }, true, 0,
          "the what-if run ended at"},

@@ -1,8 +1,9 @@
 // Bus rights in what the package ships or shows: no access list grants the
-// daemon's object by wildcard, and none grants the methods that change what
-// it does or writes (record, shadow). ubusd lists ("access": {object:
-// {"methods": [...]}}) and rpcd lists ("read"/"write": {"ubus": {object:
-// [...]}}) are both read.
+// daemon's object by wildcard, none grants record, and shadow is granted only
+// as a web session's write right (which rpcd gives root alone unless an
+// administrator hands it out). ubusd lists ("access": {object: {"methods":
+// [...]}}) and rpcd lists ("read"/"write": {"ubus": {object: [...]}}) are
+// both read.
 #include <dirent.h>
 #include <sys/stat.h>
 
@@ -15,7 +16,7 @@
 
 namespace {
 
-// Methods only root may call.
+// Methods only root may call; shadow also by a web session with write rights.
 const char* const kRootOnly[] = {"record", "shadow"};
 
 bool covers(const std::string& pattern, const std::string& name) {
@@ -25,7 +26,7 @@ bool covers(const std::string& pattern, const std::string& name) {
 }
 
 // What is wrong with one grant of methods on object pattern; "" when nothing.
-std::string check_grant(const std::string& object, json_object* methods) {
+std::string check_grant(const std::string& object, json_object* methods, bool web_write) {
     if (!covers(object, "lynd"))
         return "";
     if (object != "lynd")
@@ -37,7 +38,7 @@ std::string check_grant(const std::string& object, json_object* methods) {
         if (m == nullptr || std::strchr(m, '*') != nullptr)
             return "lynd method \"" + std::string(m != nullptr ? m : "") + "\" is a wildcard";
         for (const char* root_only : kRootOnly) {
-            if (std::strcmp(m, root_only) == 0)
+            if (std::strcmp(m, root_only) == 0 && !(web_write && std::strcmp(m, "shadow") == 0))
                 return std::string("lynd ") + root_only + " granted";
         }
     }
@@ -45,10 +46,10 @@ std::string check_grant(const std::string& object, json_object* methods) {
 }
 
 // Walks o for "access" (ubusd) and "ubus" (rpcd) tables.
-void check_tree(json_object* o, std::vector<std::string>* faults) {
+void check_tree(json_object* o, std::vector<std::string>* faults, bool in_write = false) {
     if (json_object_is_type(o, json_type_array)) {
         for (size_t i = 0; i < json_object_array_length(o); i++)
-            check_tree(json_object_array_get_idx(o, i), faults);
+            check_tree(json_object_array_get_idx(o, i), faults, in_write);
         return;
     }
     if (!json_object_is_type(o, json_type_object))
@@ -60,12 +61,12 @@ void check_tree(json_object* o, std::vector<std::string>* faults) {
                 json_object* methods = grant;
                 if (ubusd && !json_object_object_get_ex(grant, "methods", &methods))
                     continue;
-                std::string fault = check_grant(object, methods);
+                std::string fault = check_grant(object, methods, rpcd && in_write);
                 if (!fault.empty())
                     faults->push_back(fault);
             }
         }
-        check_tree(val, faults);
+        check_tree(val, faults, in_write || std::strcmp(key, "write") == 0);
     }
 }
 
@@ -109,6 +110,9 @@ TEST(ShippedRights, TheCheckFindsWhatItLooksFor) {
         {R"({"user": "mon", "access": {"network": {"methods": ["*"]}}})", 0},
         {R"({"mon": {"read": {"ubus": {"lynd": ["shadow"]}}}})", 1},
         {R"({"mon": {"write": {"ubus": {"lynd": ["status"], "l*": ["*"]}}}})", 1},
+        {R"({"web": {"write": {"ubus": {"lynd": ["shadow"]}}}})", 0},
+        {R"({"web": {"write": {"ubus": {"lynd": ["record"]}}}})", 1},
+        {R"({"user": "mon", "write": {"access": {"lynd": {"methods": ["shadow"]}}}})", 1},
     };
     for (const Case& c : cases)
         EXPECT_EQ(c.faults, faults_of(c.acl).size()) << c.acl;

@@ -74,7 +74,7 @@ TEST(TraceReaderTest, HostileLinesAreRefusedByTheirLine) {
          "line 2: time 9223372036854775807 ms out of range (0 to 4398046511104)"},
         {"{\"t\":-5,\"k\":\"timer\",\"id\":0}", "line 2: time -5 ms out of range (0 to 4398046511104)"},
         {"{\"t\":4398046511105,\"k\":\"timer\",\"id\":0}", "line 2: time 4398046511105 ms out of range (0 to 4398046511104)"},
-        {"{\"t\":5,\"k\":\"log\",\"line\":\"" + std::string(300000, 'x') + "\"}", "line 2: longer than 262144 bytes"},
+        {"{\"t\":5,\"k\":\"log\",\"line\":\"" + std::string(600000, 'x') + "\"}", "line 2: longer than 540672 bytes"},
         {"{\"t\":5,\"k\":\"header\",\"lynd_trace\":2,\"args\":[]}", "line 2: a second header"},
     };
     for (const auto& c : cases)

@@ -118,9 +118,9 @@ int run_daemon(const TraceHeader& header, const std::vector<std::string>& extra)
     argv.push_back(nullptr);
     // A record call's restart: a configuration file that no longer loads
     // fell back to the one the daemon ran with, which the header holds.
-    bool call = trace.header.start == "call";
+    bool call = header.start == "call";
     lynd_set_restarting(call);
-    (void)config_set_running_text(call ? trace.header.config.data() : nullptr, call ? trace.header.config.size() : 0);
+    (void)config_set_running_text(call ? header.config.data() : nullptr, call ? header.config.size() : 0);
     int rc = lynd_main(static_cast<int>(args.size()), argv.data());
     lynd_set_restarting(false);
     return rc;
