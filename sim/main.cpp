@@ -217,6 +217,18 @@ int check(int argc, char** argv) {
 }
 
 // The trace files come first: the parts of one recording, part 1 first.
+bool read_text_file(const char* path, std::string* out) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    if (!in) {
+        std::fprintf(stderr, "lynd-sim: %s: cannot read the file\n", path);
+        return false;
+    }
+    *out = text.str();
+    return true;
+}
+
 int replay(int argc, char** argv) {
     std::vector<std::string> files{argv[0]};
     while (argc > 1 && argv[1][0] != '-') {
@@ -227,29 +239,26 @@ int replay(int argc, char** argv) {
     lynd::TraceSource trace = lynd::trace_files(files);
     std::string error;
     std::string config;
-    int first = 1;
+    bool other_config = false;
     const char* timeline = nullptr;
-    if (argc >= 3 && std::strcmp(argv[1], "--timeline") == 0) {
-        timeline = argv[2];
-        argv += 2;
-        argc -= 2;
-    }
-    if (argc >= 3 && std::strcmp(argv[1], "--config") == 0) {
-        std::ifstream in(argv[2], std::ios::binary);
-        std::stringstream text;
-        text << in.rdbuf();
-        if (!in) {
-            std::fprintf(stderr, "lynd-sim: %s: cannot read the file\n", argv[2]);
-            return 2;
+    // --timeline and --config in either order; what follows is the daemon's.
+    int first = 1;
+    for (; first + 1 < argc; first += 2) {
+        if (std::strcmp(argv[first], "--timeline") == 0) {
+            timeline = argv[first + 1];
+        } else if (std::strcmp(argv[first], "--config") == 0) {
+            if (!read_text_file(argv[first + 1], &config))
+                return 2;
+            other_config = true;
+        } else {
+            break;
         }
-        config = text.str();
-        first = 3;
     }
     std::vector<std::string> extra(argv + first, argv + argc);
     // Other parameters make it a what-if: differences are the answer. The
     // picture is drawn from one too (its sampling timer is no part of the
     // record), under the recorded configuration it decides the same.
-    if (first > 1 || !extra.empty() || timeline != nullptr) {
+    if (other_config || !extra.empty() || timeline != nullptr) {
         lynd::TimelineTrace picture;
         lynd::ReplayResult r = lynd::what_if_trace(trace, config, extra, timeline != nullptr ? &picture : nullptr);
         if (timeline != nullptr && !lynd::write_whole_file(timeline, lynd::timeline_svg(picture), &error))
