@@ -68,6 +68,8 @@ std::string event_label(const TimelineEntry& e) {
         return "ubus call " + e.name + " " + e.method;
     case TimelineKind::FILE:
         return "file " + e.name;
+    case TimelineKind::SQUAT:
+        return "squat " + e.name;
     }
     return "";
 }
