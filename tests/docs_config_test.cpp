@@ -196,8 +196,9 @@ TEST_F(DocsConfig, EveryKeyIsDocumentedWithItsTypeAndRange) {
         }
         EXPECT_EQ(1u, type_words(k.second->kind).count(row->second.type)) << name << ": type " << row->second.type;
         EXPECT_EQ(range_text(*k.second), row->second.range) << name;
-        if (k.second->per_band)
+        if (k.second->per_band) {
             EXPECT_NE(std::string::npos, row->second.key_cell.find("`_5g`, `_6g`")) << name << ": all three bands";
+        }
     }
 }
 

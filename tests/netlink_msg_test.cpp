@@ -45,8 +45,9 @@ TEST_F(NetlinkMsgTest, APortIdTakenFirstIsNoObstacle) {
     EXPECT_FALSE(host.logged("netlink socket create failed"));
     nlmsghdr hdr;
     std::memcpy(&hdr, buf, sizeof hdr);
-    if (squatted)
+    if (squatted) {
         EXPECT_NE(static_cast<uint32_t>(getpid()), hdr.nlmsg_pid);
+    }
     EXPECT_NE(0u, hdr.nlmsg_pid);
 }
 
