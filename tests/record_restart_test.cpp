@@ -10,6 +10,7 @@
 #include <sstream>
 #include <string>
 
+#include "full_disk.h"
 #include "file_text.h"
 #include "sim/desk/replay_run.h"
 #include "sim/scenario/scenario.h"
@@ -173,17 +174,6 @@ TEST_F(RecordRestartTest, TooLittleRoomOnTheFilesystemRefusesTheCall) {
     EXPECT_EQ(9, calls[0].status);
     EXPECT_EQ(1u, seen[0]);
     EXPECT_EQ(1u, starts);
-}
-
-size_t g_room = 0;
-ssize_t fill_up(int fd, const void* p, size_t n) {
-    if (g_room == 0) {
-        errno = ENOSPC;
-        return -1;
-    }
-    size_t k = n < g_room ? n : g_room;
-    g_room -= k;
-    return write(fd, p, k);
 }
 
 TEST_F(RecordRestartTest, AFullFilesystemEndsTheTraceWithOneLineAndTheDaemonGoesOn) {

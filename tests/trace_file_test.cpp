@@ -1,3 +1,4 @@
+#include "full_disk.h"
 #include "trace/trace_file.h"
 
 #include <fcntl.h>
@@ -141,17 +142,6 @@ TEST_F(TraceFileTest, TheDirectoryIsMadeForThisUserOnlyAndOneOfOthersIsRefused) 
 
 // A full disk: the first write that fails ends the file, cut back to its
 // last whole line.
-size_t g_room = 0;
-ssize_t fill_up(int fd, const void* p, size_t n) {
-    if (g_room == 0) {
-        errno = ENOSPC;
-        return -1;
-    }
-    size_t k = n < g_room ? n : g_room;
-    g_room -= k;
-    return write(fd, p, k);
-}
-
 TEST_F(TraceFileTest, AFullDiskEndsTheFileAtItsLastWholeLine) {
     lynd::TraceFile f;
     ASSERT_EQ(0, open(f, SIZE_MAX));
