@@ -5,6 +5,7 @@
 #include "bridge/hybrid_tables.h"
 #include "config/ts_vlan.h"
 #include "core/log.h"
+#include "core/mac.h"
 #include "core/vlan_name.h"
 #include "modules/path_selection/client_log.h"
 #include "modules/path_selection/client_rules.h"
@@ -51,8 +52,8 @@ bool may_move(hc_client* c, const hc_path& p, int has_clients_on_busy_path, uint
     c->busy_count = 0;
     if (c->flags & HC_FLAG_ASSOC_NEWLY) {
         const uint8_t* m = c->hc.mac;
-        LYND_LOG_AS(kFn, "hc[%02x:%02x:%02x:%02x:%02x:%02x] is assoc newly, change path %s to %s", m[0], m[1], m[2],
-                    m[3], m[4], m[5], p.name, hc_paths[c->best_path].name);
+        LYND_LOG_AS(kFn, "hc[%s] is assoc newly, change path %s to %s", lynd_mac(m).s, p.name,
+                    hc_paths[c->best_path].name);
         e.assoc_newly = true;
         return true;
     }
@@ -95,8 +96,8 @@ void consider(lynd_config* conf, hc_client* c, hc_path* p, int has_busy, int han
     uint32_t rate = path_selection_client_rate(c->hc.bytes, time_ms);
     uint32_t quota = bp->rate != 0 ? rate * 10000u / bp->rate : 0;
     const uint8_t* m = c->hc.mac;
-    LYND_LOG_AS(kFn, "cur hc(%02x-%02x-%02x-%02x-%02x-%02x) quota: %d rate(Mbps) %u time(ms) %lld", m[0], m[1], m[2],
-                m[3], m[4], m[5], static_cast<int>(quota), rate, static_cast<long long>(time_ms));
+    LYND_LOG_AS(kFn, "cur hc(%s) quota: %d rate(Mbps) %u time(ms) %lld", lynd_mac(m, '-').s, static_cast<int>(quota),
+                rate, static_cast<long long>(time_ms));
     e.quota = quota;
     e.rate_mbps = rate;
     e.outcome = OUTCOME_TOO_HEAVY;
@@ -129,7 +130,7 @@ void source_name(const hc_client* c, char* out) {
 void move(lynd_config* conf, conf_bridge* bridge, const Candidate& cand, const hc_path& from) {
     hc_client* c = cand.client;
     const uint8_t* m = c->hc.mac;
-    LYND_INFO_AS(kFn, "set hc(%02x-%02x-%02x-%02x-%02x-%02x) to %s", m[0], m[1], m[2], m[3], m[4], m[5], cand.bp->name);
+    LYND_INFO_AS(kFn, "set hc(%s) to %s", lynd_mac(m, '-').s, cand.bp->name);
     char src[LYND_NAME_LEN], dst[LYND_NAME_LEN];
     source_name(c, src);
     path_selection_ts_dst_name(conf, cand.bp->name, src, dst);
@@ -202,7 +203,7 @@ void path_selection_pre_update_uplink_path_for_hc_v2(conf_bridge* bridge, hc_pat
             if (client_excluded(*c))
                 continue;
             const uint8_t* m = c->hc.mac;
-            LYND_INFO("set hc(%02x:%02x:%02x:%02x:%02x:%02x) to %s", m[0], m[1], m[2], m[3], m[4], m[5], best->name);
+            LYND_INFO("set hc(%s) to %s", lynd_mac(m).s, best->name);
             char src[LYND_NAME_LEN], dst[LYND_NAME_LEN];
             if (!lynd::host().if_indextoname(c->hc.src_port, src)) {
                 LYND_ERR("if_indextoname(hc->src_port:%d, ifname:%s) == NULL!", static_cast<int>(c->hc.src_port), "");
