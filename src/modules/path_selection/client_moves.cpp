@@ -127,6 +127,19 @@ void source_name(const hc_client* c, char* out) {
         out[0] = '\0';
 }
 
+// What every move does, the periodic one and the evacuation alike: the
+// bridge sends the client's traffic from src to dst, the client joins
+// to's list, the move is logged, and its flows start over on the new path.
+void move_client(conf_bridge* bridge, hc_client* c, const char* src, const char* dst, hc_path* to, uint8_t from_type,
+                 uint8_t reason, const char* fn) {
+    (void)lynd_set_hc_entry(bridge->name, c->hc.mac, c->hc.id, src, dst);
+    hc_client_unlink_path(c);
+    lynd_list_add_tail(&c->path_node, &to->clients);
+    client_log_move(*c, from_type, to->type, reason);
+    hc_list_dump(&to->clients, fn, __LINE__);
+    (void)lynd_flush_fc_flow_by_mac(c->hc.mac);
+}
+
 void move(lynd_config* conf, conf_bridge* bridge, const Candidate& cand, const hc_path& from) {
     hc_client* c = cand.client;
     const uint8_t* m = c->hc.mac;
@@ -141,17 +154,13 @@ void move(lynd_config* conf, conf_bridge* bridge, const Candidate& cand, const h
                      home);
     }
     LYND_INFO_AS(kFn, "best_path_name:%s", dst);
-    (void)lynd_set_hc_entry(bridge->name, c->hc.mac, c->hc.id, src, dst);
-    client_log_move(*c, from.type, cand.bp->type, move_reason_of(*c, from));
+    uint8_t reason = move_reason_of(*c, from);
     explain_of(c).outcome = OUTCOME_MOVED;
     cand.bp->quota = static_cast<int16_t>(cand.bp->quota - static_cast<int16_t>(cand.quota));
-    hc_client_unlink_path(c);
-    lynd_list_add_tail(&c->path_node, &cand.bp->clients);
     c->busy_count = 0;
     c->idle_count = 0;
     c->flags &= static_cast<uint8_t>(~HC_FLAG_ASSOC_NEWLY);
-    hc_list_dump(&cand.bp->clients, kFn, __LINE__);
-    (void)lynd_flush_fc_flow_by_mac(c->hc.mac);
+    move_client(bridge, c, src, dst, cand.bp, from.type, reason, kFn);
 }
 
 }  // namespace
@@ -216,12 +225,7 @@ void path_selection_pre_update_uplink_path_for_hc_v2(conf_bridge* bridge, hc_pat
                 LYND_INFO("src_ifname:%s, dst_ifname:%s, home_name:%s, vlan_id:%d", src, dst, home,
                           static_cast<int>(lynd_get_ts_vlan(conf, src)));
             }
-            (void)lynd_set_hc_entry(bridge->name, c->hc.mac, c->hc.id, src, dst);
-            hc_client_unlink_path(c);
-            lynd_list_add_tail(&c->path_node, &best->clients);
-            client_log_move(*c, static_cast<uint8_t>(t), best->type, MOVE_PATH_UNLINKED);
-            hc_list_dump(&best->clients, __func__, __LINE__);
-            (void)lynd_flush_fc_flow_by_mac(c->hc.mac);
+            move_client(bridge, c, src, dst, best, static_cast<uint8_t>(t), MOVE_PATH_UNLINKED, __func__);
         }
     }
 }
