@@ -11,6 +11,7 @@
 #include "core/mac.h"
 #include "bridge/table_entries.h"
 #include "sim/desk/trace_reader.h"
+#include "trace/trace_hex.h"
 #include "trace/trace_line.h"
 #include "trace/trace_order.h"
 #include "wlan/qca/qca_ioctl.h"
