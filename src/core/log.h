@@ -33,7 +33,7 @@ inline bool lynd_log_on(int level) { return g_lynd_dgb_lvl >= level; }
 // the operation it serves passes that operation's name (the _AS forms).
 #define LYND_LOG_AT_FN(level, tag, fn, fmt, ...)                           \
     do {                                                                   \
-        if (lynd_log_on(level))                                            \
+        if (__builtin_expect(lynd_log_on(level), 0))                       \
             lynd_printf(tag "[%s, %d] " fmt, fn, __LINE__, ##__VA_ARGS__); \
     } while (0)
 #define LYND_LOG_AT(level, tag, fmt, ...) LYND_LOG_AT_FN(level, tag, __func__, fmt, ##__VA_ARGS__)

@@ -30,6 +30,15 @@ struct choice {
     uint64_t cur_bq = 0;
 };
 
+// Apart from the rating, which runs for every client and path: the line's
+// MAC text would otherwise take room in the rating's frame.
+[[gnu::cold, gnu::noinline]] void log_rating(const hc_client& c, const hc_path& x, uint64_t bq, uint64_t sq,
+                                             uint64_t q) {
+    LYND_LOG_AS(kFn, "wlan client[%s] sta_type[%d] path_type[%d]", lynd_mac(c.hc.mac).s, c.sta_type, x.type);
+    LYND_LOG_AS(kFn, "quality: backhaul=%lld sta=%lld path=%lld", static_cast<long long>(bq),
+                static_cast<long long>(sq), static_cast<long long>(q));
+}
+
 void rate_path(const hc_client& c, const hc_path& x, uint8_t here, uint64_t sq, choice* ch) {
     bool wireless = is_wireless(c.sta_type);
     uint64_t bq = path_selection_backhaul_quality(x);
@@ -38,12 +47,8 @@ void rate_path(const hc_client& c, const hc_path& x, uint8_t here, uint64_t sq, 
     explain_candidate_add(explain_of(&c), explain_candidate{x.type, x.overload == 1, limited,
                                                             wireless && x.type == c.sta_type, path_weight(x), x.quota,
                                                             x.rate, bq, q});
-    if (wireless) {
-        const uint8_t* m = c.hc.mac;
-        LYND_LOG_AS(kFn, "wlan client[%s] sta_type[%d] path_type[%d]", lynd_mac(m).s, c.sta_type, x.type);
-        LYND_LOG_AS(kFn, "quality: backhaul=%lld sta=%lld path=%lld", static_cast<long long>(bq),
-                    static_cast<long long>(sq), static_cast<long long>(q));
-    }
+    if (wireless && lynd_log_on(LYND_LVL_LOG))
+        log_rating(c, x, bq, sq, q);
     if (x.type == here) {
         ch->cur_q = q;
         ch->cur_bq = bq;
