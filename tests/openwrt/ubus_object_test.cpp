@@ -24,7 +24,8 @@ namespace {
 using lynd::BusType;
 
 const lynd::bus_policy echo_args[] = {{"mac", BusType::STRING}, {"on", lynd::BUS_TYPE_BOOL}};
-const lynd::BusMethod methods[] = {{"info", nullptr, 0}, {"echo", echo_args, 2}, {"missing", nullptr, 0}};
+const lynd::BusMethod methods[] = {
+    {"info", nullptr, 0}, {"echo", echo_args, 2}, {"missing", nullptr, 0}, {"last", nullptr, 0}};
 
 int answer(void*, const char* method, const lynd::BusMessage& args, lynd::BusReply& r) {
     if (std::strcmp(method, "info") == 0) {
@@ -46,10 +47,15 @@ int answer(void*, const char* method, const lynd::BusMessage& args, lynd::BusRep
         r.put_string("mac", mac.str);
         return lynd::BUS_STATUS_OK;
     }
+    if (std::strcmp(method, "last") == 0) {  // as the record call: the run ends once this is out
+        uloop_end();
+        r.put_bool("restart", true);
+        return lynd::BUS_STATUS_OK;
+    }
     return lynd::BUS_STATUS_NOT_FOUND;
 }
 
-const lynd::BusObject object = {"lynd-test", methods, 3, answer, nullptr};
+const lynd::BusObject object = {"lynd-test", methods, 4, answer, nullptr};
 
 // The owner's side: the object, and a new connection whenever ubusd is back.
 lynd::UbusBus* g_owner;
@@ -74,6 +80,7 @@ void lost(void*) { uloop_timeout_set(&g_retry, 100); }
     bus.set_lost_handler(lost, nullptr);
     bus.add_to_loop();
     uloop_run();
+    bus.free();
     _exit(0);
 }
 
@@ -206,7 +213,7 @@ TEST_F(UbusObjectTest, AListingShowsEachMethodsArgumentsAndTheirTypes) {
     std::string signature;
     ASSERT_EQ(0, ubus_lookup(ctx_, "lynd-test", on_lookup, &signature));
     // blobmsg type numbers: 3 string, 7 boolean
-    EXPECT_EQ("{\"info\":{},\"echo\":{\"mac\":3,\"on\":7},\"missing\":{}}", signature);
+    EXPECT_EQ("{\"info\":{},\"echo\":{\"mac\":3,\"on\":7},\"missing\":{},\"last\":{}}", signature);
 }
 
 TEST_F(UbusObjectTest, TheObjectComesBackWithUbusd) {
@@ -217,6 +224,14 @@ TEST_F(UbusObjectTest, TheObjectComesBackWithUbusd) {
     start_ubusd();
     id = find();
     EXPECT_EQ(UBUS_STATUS_OK, call(id, "info", nullptr, &reply));
+}
+
+// ubusd drops what a client wrote once it sees the client close.
+TEST_F(UbusObjectTest, AReplyJustBeforeTheConnectionClosesStillArrives) {
+    uint32_t id = find();
+    std::string reply;
+    ASSERT_EQ(UBUS_STATUS_OK, call(id, "last", nullptr, &reply));
+    EXPECT_EQ("{\"restart\":true}", reply);
 }
 
 }  // namespace

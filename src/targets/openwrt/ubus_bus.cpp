@@ -1,5 +1,9 @@
 #include "targets/openwrt/ubus_bus.h"
 
+#include <linux/sockios.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+
 #include "targets/openwrt/blob_reply.h"
 #include "targets/openwrt/ubus_message.h"
 
@@ -27,9 +31,29 @@ const char* UbusBus::strerror(int error) { return ubus_strerror(error); }
 
 void UbusBus::add_to_loop() { ubus_add_uloop(&context_.ctx); }
 
+namespace {
+
+constexpr int kDrainMs = 200;
+
+// ubusd stops reading a client once it sees its end of file, so a reply
+// written just before the close (the record call's, whose run restarts at
+// once) would be lost: wait, for a bounded time, until ubusd has read all.
+void drain(int fd) {
+    for (int waited = 0; waited < kDrainMs; waited += 5) {
+        int unread = 0;
+        if (ioctl(fd, SIOCOUTQ, &unread) != 0 || unread <= 0)
+            return;
+        (void)poll(nullptr, 0, 5);
+    }
+}
+
+}  // namespace
+
 void UbusBus::free() {
-    if (connected_)
+    if (connected_) {
+        drain(context_.ctx.sock.fd);
         ubus_shutdown(&context_.ctx);
+    }
     connected_ = false;
     blob_buf_free(&reply_);
     reply_ = blob_buf{};
