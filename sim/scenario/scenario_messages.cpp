@@ -322,6 +322,8 @@ void kernel_link(JsonReader& r, json_object* msg, const Scenario& sc, TimelineEn
             entries(r, w, "wireless", sc, iw_event_fields, &events);
         body += craft_rtattr(NL_IFLA_WIRELESS, events.body);
     }
+    if (body.size() > kMaxDatagram - NLMSG_HEADER_LEN)
+        r.fail("the message grows past " + std::to_string(kMaxDatagram) + " bytes");
     const char* words = words_of(kLinkTypes, type);
     e->label = (words != nullptr ? std::string(words) : "link message " + std::to_string(type)) + " " + name +
                (events.label.empty() ? "" : " " + events.label);
