@@ -1,25 +1,16 @@
 #include "sim/scenario/scenario_messages.h"
 
-#include <cctype>
 #include <cstring>
 
 #include "core/event_records.h"
-#include "core/mac.h"
 #include "event/netlink_datagram.h"
 #include "sim/node/netlink_craft.h"
+#include "sim/scenario/message_fields.h"
 #include "sim/scenario/scenario_squat.h"
 
 namespace lynd {
 
 namespace {
-
-constexpr size_t kMaxDatagram = NL_RECV_BUF_SIZE;
-
-struct TypeName {
-    uint16_t type;
-    const char* name;
-    const char* words;
-};
 
 constexpr TypeName kBridgeTypes[] = {
     {MSG_NEW_HC_ENTRY, "new_hc_entry", "hc entry"},  {MSG_BCAST_UPDATE, "bcast_update", "bcast update"},
@@ -31,121 +22,6 @@ constexpr TypeName kLinkTypes[] = {
     {NL_RTM_NEWLINK, "newlink", "newlink"}, {NL_RTM_DELLINK, "dellink", "dellink"}, {0, nullptr, nullptr}};
 
 constexpr TypeName kIwEvents[] = {{NL_IWEVEXPIRED, "expired", "expired"}, {0, nullptr, nullptr}};
-
-// What a message is made of: its body, and its fields in words.
-struct Crafted {
-    std::string body;
-    std::string label;   // the first entry, short
-    std::string detail;  // every field of every entry
-    size_t entries = 0;
-};
-
-using EntryFields = void (*)(JsonReader& r, json_object* o, const Scenario& sc, const std::string& what, Crafted* out);
-
-std::string quoted(const char* s) { return std::string("\"") + s + "\""; }
-
-std::string mac_words(const uint8_t* mac) {
-    char text[LYND_MAC_TEXT_LEN];
-    lynd_mac_text(mac, text);
-    return text;
-}
-
-std::string hex_words(uint32_t v) {
-    char text[16];
-    std::snprintf(text, sizeof text, "0x%x", static_cast<unsigned>(v));
-    return text;
-}
-
-int hex_digit(char c) {
-    return std::isxdigit(static_cast<unsigned char>(c)) ? lynd_hex_digit(c) : -1;
-}
-
-bool from_hex(const char* hex, size_t n, std::string* out) {
-    out->clear();
-    if (n % 2 != 0 || n / 2 > kMaxDatagram)
-        return false;
-    for (size_t i = 0; i < n; i += 2) {
-        int hi = hex_digit(hex[i]), lo = hex_digit(hex[i + 1]);
-        if (hi < 0 || lo < 0)
-            return false;
-        out->push_back(static_cast<char>(hi * 16 + lo));
-    }
-    return true;
-}
-
-bool hex_member(JsonReader& r, json_object* o, const char* key, std::string* out) {
-    json_object* v = json_member(o, key);
-    if (v == nullptr)
-        return false;
-    if (!json_is(v, json_type_string) ||
-        !from_hex(json_object_get_string(v), static_cast<size_t>(json_object_get_string_len(v)), out))
-        return r.fail(quoted(key) + " must be an even number of hex digits, at most " +
-                      std::to_string(kMaxDatagram) + " bytes");
-    return true;
-}
-
-// A number, or one of the names of types; absent: false, nothing recorded.
-bool type_member(JsonReader& r, json_object* o, const char* key, const TypeName* names, uint16_t* out) {
-    json_object* v = json_member(o, key);
-    if (v == nullptr)
-        return false;
-    if (json_is(v, json_type_int) && json_object_get_int64(v) >= 0 && json_object_get_int64(v) <= 0xffff) {
-        *out = static_cast<uint16_t>(json_object_get_int64(v));
-        return true;
-    }
-    std::string known;
-    for (const TypeName* t = names; t->name != nullptr; t++) {
-        if (json_is(v, json_type_string) && std::strcmp(json_object_get_string(v), t->name) == 0) {
-            *out = t->type;
-            return true;
-        }
-        known += std::string(known.empty() ? "" : ", ") + t->name;
-    }
-    return r.fail(quoted(key) + " must be a number from 0 to 65535 or one of " + known);
-}
-
-const char* words_of(const TypeName* names, uint16_t type) {
-    for (const TypeName* t = names; t->name != nullptr; t++)
-        if (t->type == type)
-            return t->words;
-    return nullptr;
-}
-
-bool mac_member(JsonReader& r, json_object* o, const char* key, const std::string& what, uint8_t* mac) {
-    std::string text;
-    if (!json_get_string(r, o, key, &text, 17))
-        return false;
-    return parse_mac(text, mac) || r.fail(quoted(key) + " of " + what + " must be a MAC (xx:xx:xx:xx:xx:xx)");
-}
-
-// An interface of the node by its name, or any index up to max; *name is
-// what the picture calls it.
-bool port_member(JsonReader& r, json_object* o, const char* key, const Scenario& sc, int64_t max,
-                 const std::string& what, uint32_t* index, std::string* name) {
-    json_object* v = json_member(o, key);
-    if (v == nullptr)
-        return r.fail(what + " needs " + quoted(key));
-    if (json_is(v, json_type_string)) {
-        for (const SimInterface& i : sc.interfaces)
-            if (i.name == json_object_get_string(v)) {
-                *index = i.ifindex;
-                *name = i.name;
-                return true;
-            }
-        return r.fail(quoted(key) + " of " + what + " names an interface the node does not have: " +
-                      json_object_get_string(v));
-    }
-    int64_t n = json_object_get_int64(v);
-    if (!json_is(v, json_type_int) || n < 0 || n > max)
-        return r.fail(quoted(key) + " of " + what + " is an interface name of the node or an index from 0 to " +
-                      std::to_string(max));
-    *index = static_cast<uint32_t>(n);
-    *name = std::to_string(n);
-    for (const SimInterface& i : sc.interfaces)
-        if (i.ifindex == *index)
-            *name = i.name;
-    return true;
-}
 
 void hc_entry_fields(JsonReader& r, json_object* o, const Scenario& sc, const std::string& what, Crafted* out) {
     static const char* const keys[] = {"mac", "id", "dst", "src", "packets", "bytes", nullptr};
@@ -196,40 +72,6 @@ void fdb_entry_fields(JsonReader& r, json_object* o, const Scenario& sc, const s
     out->detail += " [" + words + " ageing " + std::to_string(ageing) + "]";
 }
 
-// One object, or a list of them laid back to back.
-void entries(JsonReader& r, json_object* v, const char* key, const Scenario& sc, EntryFields fields, Crafted* out) {
-    bool list = json_is(v, json_type_array);
-    size_t n = list ? json_object_array_length(v) : 1;
-    if (list && (n == 0 || n > kJsonMaxItems)) {
-        r.fail(quoted(key) + " lists 1 to " + std::to_string(kJsonMaxItems) + " entries");
-        return;
-    }
-    for (size_t i = 0; r.ok && i < n; i++) {
-        json_object* o = list ? json_object_array_get_idx(v, i) : v;
-        std::string what = quoted(key) + (list ? " " + std::to_string(i) : "");
-        if (!json_is(o, json_type_object))
-            r.fail(what + " must be an object of fields");
-        else
-            fields(r, o, sc, what, out);
-        if (out->body.size() > kMaxDatagram - NLMSG_HEADER_LEN)
-            r.fail("the message grows past " + std::to_string(kMaxDatagram) + " bytes");
-    }
-    if (out->entries > 1)
-        out->label += " +" + std::to_string(out->entries - 1);
-}
-
-// "len" rewrites the length field of a well-formed or hex message.
-void lying_len(JsonReader& r, json_object* o, TimelineEntry* e) {
-    int64_t len = 0;
-    if (!json_get_int(r, o, "len", 0, UINT32_MAX, &len))
-        return;
-    set_nlmsg_len(&e->data, static_cast<uint32_t>(len));
-    if (!e->label.empty()) {
-        e->label += " len " + std::to_string(len);
-        e->detail += " len " + std::to_string(len);
-    }
-}
-
 void bridge_body(JsonReader& r, json_object* nl, const Scenario& sc, uint16_t type, Crafted* c) {
     if (json_object* hc = json_member(nl, "hc_entry")) {
         if (type != MSG_NEW_HC_ENTRY)
@@ -240,7 +82,7 @@ void bridge_body(JsonReader& r, json_object* nl, const Scenario& sc, uint16_t ty
             r.fail("\"fdb_entry\" goes with type 7 (a mismatch is written in \"body_hex\")");
         entries(r, fdb, "fdb_entry", sc, fdb_entry_fields, c);
     } else if (hex_member(r, nl, "body_hex", &c->body)) {
-        if (c->body.size() > kMaxDatagram - NLMSG_HEADER_LEN)
+        if (c->body.size() > kMaxCrafted - NLMSG_HEADER_LEN)
             r.fail("\"body_hex\" holds more than a datagram");
     } else if (const char* words = words_of(kBridgeTypes, type)) {
         c->label = std::string("bridge ") + words;
@@ -322,8 +164,8 @@ void kernel_link(JsonReader& r, json_object* msg, const Scenario& sc, TimelineEn
             entries(r, w, "wireless", sc, iw_event_fields, &events);
         body += craft_rtattr(NL_IFLA_WIRELESS, events.body);
     }
-    if (body.size() > kMaxDatagram - NLMSG_HEADER_LEN)
-        r.fail("the message grows past " + std::to_string(kMaxDatagram) + " bytes");
+    if (body.size() > kMaxCrafted - NLMSG_HEADER_LEN)
+        r.fail("the message grows past " + std::to_string(kMaxCrafted) + " bytes");
     const char* words = words_of(kLinkTypes, type);
     e->label = (words != nullptr ? std::string(words) : "link message " + std::to_string(type)) + " " + name +
                (events.label.empty() ? "" : " " + events.label);
@@ -333,18 +175,25 @@ void kernel_link(JsonReader& r, json_object* msg, const Scenario& sc, TimelineEn
     lying_len(r, msg, e);
 }
 
-// A problem of one entry's reader, named by the entry's kind and time.
-void forward(JsonReader& r, const JsonReader& local, const char* kind, const TimelineEntry& e) {
-    if (!local.ok)
-        r.fail(std::string(kind) + " entry at " + std::to_string(e.at_ms / 1000) + " s: " + *local.error);
-}
-
 bool only_entry_keys(JsonReader& r, json_object* o, const char* kind, bool station) {
     const char* const keys[] = {"at", "after", "repeat", "from", kind, station ? "station" : nullptr, nullptr};
     return json_only_keys(r, o, keys, "the timeline entry");
 }
 
-void station_expiry(JsonReader& r, json_object* o, const Scenario& sc, TimelineEntry* e) {
+void bridge_entry(JsonReader& r, json_object* o, const Scenario& sc, TimelineEntry* e) {
+    e->kind = TimelineKind::NETLINK;
+    if (only_entry_keys(r, o, "netlink", false))
+        bridge_message(r, json_member(o, "netlink"), sc, e);
+}
+
+void kernel_link_entry(JsonReader& r, json_object* o, const Scenario& sc, TimelineEntry* e) {
+    e->kind = TimelineKind::KERNEL_LINK;
+    if (only_entry_keys(r, o, "rtnetlink", false))
+        kernel_link(r, json_member(o, "rtnetlink"), sc, e);
+}
+
+void station_expiry_entry(JsonReader& r, json_object* o, const Scenario& sc, TimelineEntry* e) {
+    e->kind = TimelineKind::STATION_EXPIRED;
     if (!only_entry_keys(r, o, "station_expired", true) || !json_get_string(r, o, "station_expired", &e->name, 15))
         return;
     bool known = false;
@@ -357,35 +206,32 @@ void station_expiry(JsonReader& r, json_object* o, const Scenario& sc, TimelineE
         e->data.assign(reinterpret_cast<const char*>(station), sizeof station);
 }
 
+using EntryReader = void (*)(JsonReader& r, json_object* o, const Scenario& sc, TimelineEntry* e);
+
+// Reads the entry and its sender; a problem is recorded naming the entry
+// by its kind and time.
+void read_entry(JsonReader& r, json_object* o, const Scenario& sc, TimelineEntry* e, const char* kind,
+                EntryReader read) {
+    std::string problem;
+    JsonReader local{&problem};
+    read(local, o, sc, e);
+    parse_datagram_sender(local, o, e);
+    if (!local.ok)
+        r.fail(std::string(kind) + " entry at " + std::to_string(e->at_ms / 1000) + " s: " + problem);
+}
+
 }  // namespace
 
 void parse_bridge_message(JsonReader& r, json_object* o, const Scenario& sc, TimelineEntry* e) {
-    std::string problem;
-    JsonReader local{&problem};
-    e->kind = TimelineKind::NETLINK;
-    if (only_entry_keys(local, o, "netlink", false))
-        bridge_message(local, json_member(o, "netlink"), sc, e);
-    parse_datagram_sender(local, o, e);
-    forward(r, local, "netlink", *e);
+    read_entry(r, o, sc, e, "netlink", bridge_entry);
 }
 
 void parse_kernel_link(JsonReader& r, json_object* o, const Scenario& sc, TimelineEntry* e) {
-    std::string problem;
-    JsonReader local{&problem};
-    e->kind = TimelineKind::KERNEL_LINK;
-    if (only_entry_keys(local, o, "rtnetlink", false))
-        kernel_link(local, json_member(o, "rtnetlink"), sc, e);
-    parse_datagram_sender(local, o, e);
-    forward(r, local, "rtnetlink", *e);
+    read_entry(r, o, sc, e, "rtnetlink", kernel_link_entry);
 }
 
 void parse_station_expiry(JsonReader& r, json_object* o, const Scenario& sc, TimelineEntry* e) {
-    std::string problem;
-    JsonReader local{&problem};
-    e->kind = TimelineKind::STATION_EXPIRED;
-    station_expiry(local, o, sc, e);
-    parse_datagram_sender(local, o, e);
-    forward(r, local, "station_expired", *e);
+    read_entry(r, o, sc, e, "station_expired", station_expiry_entry);
 }
 
 }  // namespace lynd
