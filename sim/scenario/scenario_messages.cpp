@@ -21,6 +21,8 @@ constexpr TypeName kBridgeTypes[] = {
 constexpr TypeName kLinkTypes[] = {
     {NL_RTM_NEWLINK, "newlink", "newlink"}, {NL_RTM_DELLINK, "dellink", "dellink"}, {0, nullptr, nullptr}};
 
+constexpr size_t kMaxIfname = 15;
+
 constexpr TypeName kIwEvents[] = {{NL_IWEVEXPIRED, "expired", "expired"}, {0, nullptr, nullptr}};
 
 void hc_entry_fields(JsonReader& r, json_object* o, const Scenario& sc, const std::string& what, Crafted* out) {
@@ -194,7 +196,7 @@ void kernel_link_entry(JsonReader& r, json_object* o, const Scenario& sc, Timeli
 
 void station_expiry_entry(JsonReader& r, json_object* o, const Scenario& sc, TimelineEntry* e) {
     e->kind = TimelineKind::STATION_EXPIRED;
-    if (!only_entry_keys(r, o, "station_expired", true) || !json_get_string(r, o, "station_expired", &e->name, 15))
+    if (!only_entry_keys(r, o, "station_expired", true) || !json_get_string(r, o, "station_expired", &e->name, kMaxIfname))
         return;
     bool known = false;
     for (const auto& i : sc.interfaces)
