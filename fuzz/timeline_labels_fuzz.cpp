@@ -15,7 +15,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::string text(reinterpret_cast<const char*>(data) + 1, size - 1);
     size_t cut = text.find('\n');
     lynd::TimelineEntry e;
-    e.kind = static_cast<lynd::TimelineKind>(data[0] % 8);
+    constexpr int kinds = static_cast<int>(lynd::TimelineKind::KERNEL_LINK) + 1;
+    e.kind = static_cast<lynd::TimelineKind>(data[0] % kinds);
     e.name = text.substr(0, cut);
     e.data = cut == std::string::npos ? "" : text.substr(cut + 1);
     std::string label = lynd::short_label(lynd::event_label(e), 30);

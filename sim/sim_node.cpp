@@ -98,13 +98,19 @@ void SimNode::play(const TimelineEntry& e) {
         break;
     case TimelineKind::NETLINK:
         // The bridge announces a client; another process only pretends to.
-        if (hc_entry held{}; e.from == 0 && announced_hc_entry(e.data, &held))
+        for (const hc_entry& held : e.from == 0 ? announced_hc_entries(e.data) : std::vector<hc_entry>{})
             clients_.announced(held);
         host_.queue_datagram(HYFI_EVENT_PROTOCOL, e.data, e.from);
         (void)loop_.fd_ready(host_.nl_fd(HYFI_EVENT_PROTOCOL));
         break;
-    case TimelineKind::STATION_EXPIRED:
-        host_.queue_datagram(0, craft_station_expired(host_.if_nametoindex(e.name.c_str())), e.from);
+    case TimelineKind::STATION_EXPIRED: {
+        const auto* station = e.data.size() == 6 ? reinterpret_cast<const uint8_t*>(e.data.data()) : nullptr;
+        host_.queue_datagram(0, craft_station_expired(host_.if_nametoindex(e.name.c_str()), station), e.from);
+        (void)loop_.fd_ready(host_.nl_fd(0));
+        break;
+    }
+    case TimelineKind::KERNEL_LINK:
+        host_.queue_datagram(0, e.data, e.from);
         (void)loop_.fd_ready(host_.nl_fd(0));
         break;
     case TimelineKind::LINK:

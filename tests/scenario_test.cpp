@@ -222,22 +222,14 @@ TEST(NetlinkCraft, AnAnnouncedEntryIsReadOnlyFromAWholeTypeThreeMessage) {
 
 // A client the timeline announces is one the bridge holds.
 TEST(SimNodeRun, ATimelineAnnouncementFillsTheTable) {
-    hc_entry e{};
-    const uint8_t mac[6] = {0x02, 0, 0, 0, 0x0b, 0x01};
-    std::memcpy(e.mac, mac, 6);
-    std::memcpy(e.id, mac, 6);
-    e.dst_port = 12;
-    std::string hex;
-    for (size_t i = 0; i < sizeof e; i++) {
-        char two[3];
-        std::snprintf(two, sizeof two, "%02x", reinterpret_cast<const uint8_t*>(&e)[i]);
-        hex += two;
-    }
+    const uint8_t mac[6] = {0x02, 0, 0, 0, 0x0b, 0x01}, other[6] = {0x02, 0, 0, 0, 0x0b, 0x02};
     Scenario sc;
     std::string error;
     ASSERT_TRUE(parse(R"({"duration": 20, "config": {"enable": true},
-        "node": {"interfaces": [{"name": "ath12", "ifindex": 12}], "bridges": [{"name": "br-lan", "ports": ["ath12"]}]},
-        "timeline": [{"at": 5, "netlink": {"type": 3, "body_hex": ")" + hex + R"("}}]})",
+        "node": {"interfaces": [{"name": "ath12", "ifindex": 12}, {"name": "ath0", "ifindex": 20}],
+                 "bridges": [{"name": "br-lan", "ports": ["ath12", "ath0"]}]},
+        "timeline": [{"at": 5, "netlink": {"hc_entry": [{"mac": "02:00:00:00:0b:01", "dst": "ath12", "src": "ath0"},
+                                                        {"mac": "02:00:00:00:0b:02", "dst": 20, "src": 12}]}}]})",
                       &sc, &error))
         << error;
     const lynd::Seams saved = lynd::installed_seams();
@@ -245,6 +237,7 @@ TEST(SimNodeRun, ATimelineAnnouncementFillsTheTable) {
     node.run("lynd", {});
     lynd::install_seams(saved);
     EXPECT_EQ("ath12", node.clients().path_of(mac));
+    EXPECT_EQ("ath0", node.clients().path_of(other));
 }
 
 // Expectations must be able to fail, or a scenario proves nothing.

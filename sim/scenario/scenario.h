@@ -30,16 +30,20 @@ struct ScenarioBridge {
 
 // CLIENT: kept by the client model; UBUS_CALL: a method call on an object;
 // FILE: a file of the node is written anew (name its path, data its content);
-// SQUAT: an obstacle put in the way of a state file (or taken away).
-enum class TimelineKind { UBUS, NETLINK, STATION_EXPIRED, LINK, UCI, BUS, CLIENT, UBUS_CALL, FILE, SQUAT };
+// SQUAT: an obstacle put in the way of a state file (or taken away);
+// NETLINK: a bridge message; KERNEL_LINK: the kernel's link message.
+enum class TimelineKind { UBUS, NETLINK, STATION_EXPIRED, LINK, UCI, BUS, CLIENT, UBUS_CALL, FILE, SQUAT, KERNEL_LINK };
 
 struct TimelineEntry {
     int64_t at_ms = 0;
     TimelineKind kind = TimelineKind::UBUS;
     std::string name;   // ubus event name, or the interface that lost a station or changes its link
-    std::string data;   // ubus payload, link fields or UCI values (JSON text), or the raw netlink datagram
+    std::string data;   // ubus payload, link fields or UCI values (JSON text), the raw netlink
+                        // datagram, or the expired station's 6 bytes (none: an unnamed one)
     std::string method;  // of a ubus call
     uint32_t from = 0;   // the netlink sender's port id, 0 for the kernel
+    std::string label;   // a datagram given by fields, in words; empty: worded from its bytes
+    std::string detail;  // all of its fields
 };
 
 enum class ExpectKind {

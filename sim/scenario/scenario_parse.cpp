@@ -6,10 +6,10 @@
 
 #include "config/config.h"
 #include "sim/scenario/json_reader.h"
-#include "sim/node/netlink_craft.h"
 #include "sim/scenario/scenario.h"
 #include "sim/scenario/scenario_clients.h"
 #include "sim/scenario/scenario_expect.h"
+#include "sim/scenario/scenario_messages.h"
 #include "sim/scenario/scenario_radios.h"
 #include "sim/scenario/scenario_squat.h"
 
@@ -177,21 +177,12 @@ void parse_timeline_entry(Reader& r, json_object* o, Scenario* out, TimelineEntr
         e->data = data == nullptr ? "{}" : json_object_to_json_string_ext(data, JSON_C_TO_STRING_PLAIN);
         if (data != nullptr && !json_is(data, json_type_object))
             r.fail("\"data\" of a ubus event must be an object");
-    } else if (json_object* nl = json_object_member(r, o, "netlink")) {
-        e->kind = TimelineKind::NETLINK;
-        std::string problem;
-        if (!craft_bridge_datagram(nl, &e->data, &problem))
-            r.fail("netlink entry: " + problem);
-        parse_datagram_sender(r, o, e);
-    } else if (json_get_string(r, o, "station_expired", &ifname, kMaxIfname)) {
-        e->kind = TimelineKind::STATION_EXPIRED;
-        e->name = ifname;
-        bool known = false;
-        for (const auto& i : sc.interfaces)
-            known = known || i.name == ifname;
-        if (!known)
-            r.fail("station_expired names an interface the node does not have: " + ifname);
-        parse_datagram_sender(r, o, e);
+    } else if (json_member(o, "netlink") != nullptr) {
+        parse_bridge_message(r, o, sc, e);
+    } else if (json_member(o, "rtnetlink") != nullptr) {
+        parse_kernel_link(r, o, sc, e);
+    } else if (json_member(o, "station_expired") != nullptr) {
+        parse_station_expiry(r, o, sc, e);
     } else if (json_get_string(r, o, "link", &ifname, kMaxIfname)) {
         e->kind = TimelineKind::LINK;
         e->name = ifname;
@@ -223,8 +214,8 @@ void parse_timeline_entry(Reader& r, json_object* o, Scenario* out, TimelineEntr
         e->data = json_object_to_json_string_ext(uci, JSON_C_TO_STRING_PLAIN);
     } else if (parse_file_squat(r, o, e)) {
     } else if (r.ok) {
-        r.fail("timeline entry of an unknown kind (ubus, ubus_call, netlink, station_expired, link, uci, bus, file, squat, "
-               "client_join or client_leave)");
+        r.fail("timeline entry of an unknown kind (ubus, ubus_call, netlink, rtnetlink, station_expired, link, uci, "
+               "bus, file, squat, client_join or client_leave)");
     }
 }
 

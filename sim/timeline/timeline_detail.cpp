@@ -10,6 +10,8 @@ namespace lynd {
 namespace {
 
 constexpr int kLabelRows = 3;
+// Room for "hc entry 02:..:0a:01 ath0 → ath12" and its like.
+constexpr size_t kLabelChars = 36;
 constexpr double kCharWidth = 6.2;  // of the 10 px labels, near enough
 
 std::string title(const std::string& s) { return "<title>" + svg_escape(s) + "</title>"; }
@@ -35,7 +37,7 @@ void events(std::string& out, const TimelineTrace& tr, const Layout& l) {
         size_t same = 0;
         while (i + same + 1 < order.size() && l.x(order[i + same + 1]->t) <= x + 1)
             same++;
-        std::string label = short_label(t.label, 30) + (same > 0 ? " (+" + std::to_string(same) + ")" : "");
+        std::string label = short_label(t.label, kLabelChars) + (same > 0 ? " (+" + std::to_string(same) + ")" : "");
         for (double& u : until) {
             if (x <= u)
                 continue;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "core/mac.h"
 #include "core/wire.h"
 
 namespace lynd {
@@ -39,7 +40,33 @@ std::string fields(const std::string& json) {
     return out;
 }
 
-std::string netlink_label(const std::string& datagram) {
+// Each MAC among the words shortened.
+std::string short_macs(const std::string& words) {
+    std::string out;
+    for (size_t from = 0;;) {
+        size_t space = words.find(' ', from);
+        out += short_mac(words.substr(from, space == std::string::npos ? space : space - from));
+        if (space == std::string::npos)
+            return out;
+        out += ' ';
+        from = space + 1;
+    }
+}
+
+std::string station_label(const TimelineEntry& e) {
+    std::string s = "station expired " + e.name;
+    if (e.data.size() == 6) {
+        char mac[LYND_MAC_TEXT_LEN];
+        lynd_mac_text(reinterpret_cast<const uint8_t*>(e.data.data()), mac);
+        s += std::string(" ") + mac;
+    }
+    return s;
+}
+
+std::string netlink_label(const TimelineEntry& e) {
+    if (!e.label.empty())
+        return short_macs(e.label);
+    const std::string& datagram = e.data;
     if (datagram.size() < 6)
         return "netlink (short)";
     uint16_t type = load_u16(reinterpret_cast<const uint8_t*>(datagram.data()) + 4);
@@ -53,9 +80,10 @@ std::string event_label(const TimelineEntry& e) {
     case TimelineKind::UBUS:
         return "ubus " + e.name;
     case TimelineKind::NETLINK:
-        return netlink_label(e.data);
+    case TimelineKind::KERNEL_LINK:
+        return netlink_label(e);
     case TimelineKind::STATION_EXPIRED:
-        return "station expired " + e.name;
+        return short_macs(station_label(e));
     case TimelineKind::LINK:
         return "link " + e.name + fields(e.data);
     case TimelineKind::UCI:
@@ -75,8 +103,15 @@ std::string event_label(const TimelineEntry& e) {
 }
 
 std::string event_detail(const TimelineEntry& e) {
-    bool text_data = e.kind != TimelineKind::NETLINK && !e.data.empty();
-    return event_label(e) + (text_data ? " " + e.data : "");
+    switch (e.kind) {
+    case TimelineKind::NETLINK:
+    case TimelineKind::KERNEL_LINK:
+        return e.detail.empty() ? event_label(e) : e.detail;
+    case TimelineKind::STATION_EXPIRED:
+        return station_label(e);
+    default:
+        return event_label(e) + (e.data.empty() ? "" : " " + e.data);
+    }
 }
 
 std::string short_mac(const std::string& mac) {

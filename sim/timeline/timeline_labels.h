@@ -8,7 +8,8 @@
 namespace lynd {
 
 // "link ath12 rssi -88", "link ath02 down", "ubus lynd.link_state",
-// "netlink type 5": never a raw JSON text.
+// "netlink type 5", "hc entry 02:..:0a:01 ath0 → ath12": never a raw JSON
+// text; a message given by fields is told by its fields.
 std::string event_label(const TimelineEntry& e);
 // The label and the entry's data as given, for the tooltip.
 std::string event_detail(const TimelineEntry& e);
