@@ -243,7 +243,31 @@ json_object* draw_rules(SweepRng& r, const SweepNode& node) {
     return rules;
 }
 
+json_object* member(json_object* o, const char* key) {
+    json_object* v = nullptr;
+    return o != nullptr && json_object_object_get_ex(o, key, &v) ? v : nullptr;
+}
+
+void clip_array(json_object* parent, const char* key, int64_t end) {
+    json_object* a = member(parent, key);
+    if (a == nullptr)
+        return;
+    json_object* kept = json_object_new_array();
+    for (size_t i = 0; i < json_object_array_length(a); i++) {
+        json_object* e = json_object_array_get_idx(a, i);
+        if (json_object_get_int64(member(e, "at")) <= end)
+            json_object_array_add(kept, json_object_get(e));
+    }
+    json_object_object_add(parent, key, kept);
+}
+
 }  // namespace
+
+void sweep_clip(json_object* doc) {
+    int64_t end = json_object_get_int64(member(doc, "duration"));
+    clip_array(doc, "timeline", end);
+    clip_array(member(doc, "node"), "cpu", end);
+}
 
 json_object* sweep_generate(uint64_t seed, int64_t duration_s) {
     SweepRng r(seed);
@@ -276,6 +300,7 @@ json_object* sweep_generate(uint64_t seed, int64_t duration_s) {
     draw_clients(r, node, duration_s, doc, timeline);
     draw_faults(r, node, duration_s, doc, timeline);
     put(doc, "timeline", timeline);
+    sweep_clip(doc);
     return doc;
 }
 

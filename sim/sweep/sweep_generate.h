@@ -11,5 +11,7 @@ namespace lynd {
 
 // The caller owns the document.
 json_object* sweep_generate(uint64_t seed, int64_t duration_s);
+// Leaves out timeline events and CPU figures after the document's end.
+void sweep_clip(json_object* doc);
 
 }  // namespace lynd

@@ -1,0 +1,52 @@
+#include "sim/sweep/sweep_facts.h"
+
+#include <string>
+
+namespace lynd {
+
+namespace {
+
+json_object* member(json_object* o, const char* key) {
+    json_object* v = nullptr;
+    return o != nullptr && json_object_object_get_ex(o, key, &v) ? v : nullptr;
+}
+
+bool same_type(const std::string& pin, const std::string& type) {
+    auto norm = [](const std::string& t) { return t == "2g" ? std::string("2.4g") : t; };
+    return norm(pin) == norm(type);
+}
+
+}  // namespace
+
+SweepFacts sweep_facts(json_object* doc) {
+    SweepFacts f;
+    json_object* config = member(doc, "config");
+    f.duration_ms = json_object_get_int64(member(doc, "duration")) * 1000;
+    std::vector<std::pair<std::string, std::string>> types;  // path -> type
+    json_object_object_foreach(member(config, "interfaces"), name, conf) {
+        if (json_object_get_boolean(member(conf, "path"))) {
+            f.paths.push_back(name);
+            types.emplace_back(name, json_object_get_string(member(conf, "type")));
+        }
+    }
+    json_object* param = member(config, "param");
+    if (json_object* p = member(param, "period"))
+        f.period_ms = json_object_get_int64(p) * 1000;
+    json_object* guard = member(param, "flap_guard");
+    f.guard = guard != nullptr;
+    f.moves_per_hour = static_cast<int>(json_object_get_int64(member(guard, "moves_per_hour")));
+    json_object* rules = member(config, "clients");
+    for (size_t i = 0; rules != nullptr && i < json_object_array_length(rules); i++) {
+        json_object* r = json_object_array_get_idx(rules, i);
+        std::string mac = json_object_get_string(member(r, "mac"));
+        if (json_object_get_boolean(member(r, "exclude")))
+            f.excluded.push_back(mac);
+        else if (json_object* pin = member(r, "pin"))
+            for (const auto& t : types)
+                if (same_type(json_object_get_string(pin), t.second))
+                    f.pinned.emplace_back(mac, t.first);
+    }
+    return f;
+}
+
+}  // namespace lynd
