@@ -23,6 +23,7 @@ struct SweepArgs {
     int jobs = 2;
     bool one = false;  // --seed
     const char* keep = nullptr;
+    const char* file = nullptr;  // a scenario file checked instead of a seed
 };
 
 bool parse_args(int argc, char** argv, SweepArgs* a) {
@@ -40,6 +41,8 @@ bool parse_args(int argc, char** argv, SweepArgs* a) {
             a->first = std::strtoull(v, nullptr, 10), a->one = true;
         else if (std::strcmp(argv[i], "--keep") == 0)
             a->keep = v;
+        else if (std::strcmp(argv[i], "--file") == 0)
+            a->file = v, a->one = true;
         else
             return false;
     }
@@ -89,7 +92,11 @@ size_t length(json_object* doc, const char* key) {
 // One seed: its violations, and with --keep the run as a scenario file,
 // shrunk while its first violation still breaks.
 int one_seed(const SweepArgs& a, SweepAllocCounter count) {
-    json_object* doc = sweep_generate(a.first, duration_of(a));
+    json_object* doc = a.file != nullptr ? json_object_from_file(a.file) : sweep_generate(a.first, duration_of(a));
+    if (doc == nullptr) {
+        std::fprintf(stderr, "lynd-sim: %s: not a JSON document\n", a.file);
+        return 2;
+    }
     SweepOutcome o = run_in_child(doc, count);
     sweep_print_violations(stdout, a.first, o);
     json_object* kept = json_object_get(doc);

@@ -263,10 +263,26 @@ void clip_array(json_object* parent, const char* key, int64_t end) {
 
 }  // namespace
 
+// Clients joining after the end are left out, and leaving after it stay.
+void clip_clients(json_object* doc, int64_t end) {
+    json_object* a = member(doc, "clients");
+    json_object* kept = json_object_new_array();
+    for (size_t i = 0; a != nullptr && i < json_object_array_length(a); i++) {
+        json_object* c = json_object_array_get_idx(a, i);
+        if (json_object_get_int64(member(c, "join")) > end)
+            continue;
+        if (json_object_get_int64(member(c, "leave")) > end)
+            json_object_object_del(c, "leave");
+        json_object_array_add(kept, json_object_get(c));
+    }
+    json_object_object_add(doc, "clients", kept);
+}
+
 void sweep_clip(json_object* doc) {
     int64_t end = json_object_get_int64(member(doc, "duration"));
     clip_array(doc, "timeline", end);
     clip_array(member(doc, "node"), "cpu", end);
+    clip_clients(doc, end);
 }
 
 json_object* sweep_generate(uint64_t seed, int64_t duration_s) {

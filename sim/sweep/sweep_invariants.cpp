@@ -149,15 +149,17 @@ void check_pool_agrees(const SweepFacts&, const PeriodView& now, std::vector<Swe
     if (now.flushed)
         return;
     bool preferred_moved = decided(now, "preferred_port", "");
-    std::map<std::string, std::string> table;
+    std::multimap<std::string, std::string> table;
     for (const auto& e : now.hc)
-        table[e.mac] = sweep_base_port(e.port);
+        table.emplace(e.mac, sweep_base_port(e.port));
     for (const auto& c : now.clients) {
-        auto it = table.find(c.mac);
-        if (it == table.end())
+        auto range = table.equal_range(c.mac);
+        bool agrees = std::any_of(range.first, range.second, [&](const auto& kv) { return kv.second == c.path; });
+        if (range.first == range.second)
             add(out, "pool_agrees", now, c.mac + " has a record on " + c.path + " and no bridge entry");
-        else if (it->second != sweep_base_port(c.path) && !preferred_moved)
-            add(out, "pool_agrees", now, c.mac + " has a record on " + c.path + ", its entry points at " + it->second);
+        else if (!agrees && !preferred_moved)
+            add(out, "pool_agrees", now,
+                c.mac + " has a record on " + c.path + ", its entry points at " + range.first->second);
     }
 }
 

@@ -3,6 +3,7 @@
 #include <json-c/json.h>
 
 #include "core/mac.h"
+#include "sim/sweep/sweep_invariants.h"
 
 namespace lynd {
 
@@ -52,8 +53,8 @@ bool is_flush(const std::string& call) {
 }  // namespace
 
 void SweepObserver::before_run(size_t allocations) {
-    bool flushed = false;
-    between_ = writes_since(calls_seen_, &flushed);
+    flushed_between_ = false;
+    between_ = writes_since(calls_seen_, &flushed_between_);
     calls_at_start_ = node_->bridge().calls().size();
     allocations_at_start_ = allocations;
 }
@@ -75,11 +76,15 @@ PeriodView SweepObserver::after_run(size_t allocations) {
     v.allocations = allocations - allocations_at_start_;
     v.at_ms = node_->loop().now_ms();
     v.writes = writes_since(calls_at_start_, &v.flushed);
+    v.flushed = v.flushed || flushed_between_;
     v.writes_between = std::move(between_);
     between_.clear();
-    calls_seen_ = node_->bridge().calls().size();
     read_bridge(&v);
     v.answered = read_answers(&v);
+    // Decisions made while the bus was away are read with the next answer;
+    // the writes since the last answer stay with them.
+    if (v.answered)
+        calls_seen_ = node_->bridge().calls().size();
     return v;
 }
 
@@ -87,14 +92,20 @@ bool SweepObserver::ask(const char* method, std::string* reply) {
     return node_->bus().call("lynd", method, "{}", reply) == 0;
 }
 
+// The first bridge's preferred port; the entries of every bridge (the
+// client records are one set for all path-selection bridges).
 void SweepObserver::read_bridge(PeriodView* v) {
-    const SimBridgeState* b = node_->bridge().first();
-    if (b == nullptr)
-        return;
+    const SimBridgeState* first = node_->bridge().first();
     char name[IFNAME_LEN] = {};
-    if (b->preferred != 0 && node_->host().if_indextoname(b->preferred, name))
+    if (first != nullptr && first->preferred != 0 && node_->host().if_indextoname(first->preferred, name))
         v->preferred = name;
-    for (const auto& e : b->hc) {
+    for (const auto& bridge : bridges_)
+        if (const SimBridgeState* b = node_->bridge().find(bridge))
+            read_entries(*b, v);
+}
+
+void SweepObserver::read_entries(const SimBridgeState& b, PeriodView* v) {
+    for (const auto& e : b.hc) {
         char port[IFNAME_LEN] = {};
         char mac[18] = {};
         lynd_mac_text(e.mac, mac);
@@ -116,14 +127,14 @@ bool SweepObserver::read_answers(PeriodView* v) {
     json_object* list = array_of(doc, "paths");
     for (size_t i = 0; list != nullptr && i < json_object_array_length(list); i++) {
         json_object* p = json_object_array_get_idx(list, i);
-        v->paths.push_back(SweepPathView{str_of(p, "name"), str_of(p, "state")});
+        v->paths.push_back(SweepPathView{sweep_base_port(str_of(p, "name")), str_of(p, "state")});
     }
     json_object_put(doc);
     doc = json_tokener_parse(clients.c_str());
     list = array_of(doc, "clients");
     for (size_t i = 0; list != nullptr && i < json_object_array_length(list); i++) {
         json_object* c = json_object_array_get_idx(list, i);
-        v->clients.push_back(SweepClientView{str_of(c, "mac"), str_of(c, "path")});
+        v->clients.push_back(SweepClientView{str_of(c, "mac"), sweep_base_port(str_of(c, "path"))});
     }
     json_object_put(doc);
     doc = json_tokener_parse(counters.c_str());

@@ -11,7 +11,7 @@ namespace lynd {
 
 class SweepObserver {
 public:
-    explicit SweepObserver(SimNode* node) : node_(node) {}
+    SweepObserver(SimNode* node, const std::vector<std::string>& bridges) : node_(node), bridges_(bridges) {}
     // Around one period run.
     void before_run(size_t allocations);
     PeriodView after_run(size_t allocations);
@@ -21,9 +21,12 @@ private:
     bool read_answers(PeriodView* v);
     void read_decisions(const std::string& reply, PeriodView* v);
     void read_bridge(PeriodView* v);
+    void read_entries(const SimBridgeState& b, PeriodView* v);
     std::vector<SweepEntry> writes_since(size_t from, bool* flushed) const;
 
     SimNode* node_;
+    std::vector<std::string> bridges_;
+    bool flushed_between_ = false;
     size_t calls_seen_ = 0;
     size_t calls_at_start_ = 0;
     size_t allocations_at_start_ = 0;

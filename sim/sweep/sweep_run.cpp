@@ -29,8 +29,8 @@ LoopTimer* period_timer() {
 
 class PeriodWatch : public LoopFireWatch {
 public:
-    PeriodWatch(SimNode* node, const SweepFacts& f, SweepAllocCounter count)
-        : facts_(f), observer_(node), stats_(f), count_(count) {}
+    PeriodWatch(SimNode* node, const SweepFacts& f, const std::vector<std::string>& bridges, SweepAllocCounter count)
+        : facts_(f), observer_(node, bridges), stats_(f), count_(count) {}
     void before_fire(LoopTimer* t) override {
         in_period_ = t == period_timer();
         if (in_period_)
@@ -93,7 +93,10 @@ SweepOutcome sweep_run(json_object* doc, SweepAllocCounter count) {
     SweepFacts facts = sweep_facts(doc);
     SimNode node(sc);
     node.host().set_echo(false);
-    PeriodWatch watch(&node, facts, count);
+    std::vector<std::string> bridges;
+    for (const auto& b : sc.bridges)
+        bridges.push_back(b.name);
+    PeriodWatch watch(&node, facts, bridges, count);
     node.loop().set_fire_watch(&watch);
     RunOutcome o = node.run("lynd", {});
     node.loop().set_fire_watch(nullptr);

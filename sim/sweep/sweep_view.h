@@ -8,6 +8,7 @@
 
 namespace lynd {
 
+// Names of paths are path interfaces: a VLAN interface PATH.VID is PATH.
 struct SweepPathView {
     std::string name;
     std::string state;
@@ -45,10 +46,10 @@ struct PeriodView {
     int pool_used = 0;
     int pool_size = 0;
     std::string preferred;                  // the bridge's, "" for none
-    std::vector<SweepEntry> hc;             // the bridge's table after the run
+    std::vector<SweepEntry> hc;             // the bridges' tables after the run
     std::vector<SweepEntry> writes;         // hc writes of this run
-    std::vector<SweepEntry> writes_between;  // hc writes since the previous run
-    bool flushed = false;                   // the table was flushed in this run
+    std::vector<SweepEntry> writes_between;  // hc writes between the last answered view and this run
+    bool flushed = false;                   // a table was flushed since the last answered view
     size_t allocations = 0;                 // by the daemon, in this run
 };
 
