@@ -98,7 +98,8 @@ int one_seed(const SweepArgs& a, SweepAllocCounter count) {
         return 2;
     }
     SweepOutcome o = run_in_child(doc, count);
-    sweep_print_violations(stdout, a.first, o);
+    std::string label = a.file != nullptr ? a.file : "seed " + std::to_string(a.first);
+    sweep_print_violations(stdout, label, o);
     json_object* kept = json_object_get(doc);
     if (!o.violations.empty() && a.keep != nullptr) {
         const SweepViolation first = o.violations.front();
@@ -116,11 +117,11 @@ int one_seed(const SweepArgs& a, SweepAllocCounter count) {
             json_object_put(doc);
             return 2;
         }
-        std::printf("seed %llu kept in %s%s: %zu timeline events, %zu clients\n",
-                    static_cast<unsigned long long>(a.first), a.keep, o.violations.empty() ? " (nothing broke)" : ", shrunk",
+        std::printf("%s kept in %s%s: %zu timeline events, %zu clients\n", label.c_str(), a.keep,
+                    o.violations.empty() ? " (nothing broke)" : ", shrunk",
                     length(kept, "timeline"), length(kept, "clients"));
     } else if (o.violations.empty()) {
-        std::printf("seed %llu: nothing broke\n", static_cast<unsigned long long>(a.first));
+        std::printf("%s: nothing broke\n", label.c_str());
     }
     json_object_put(kept);
     json_object_put(doc);
@@ -147,7 +148,7 @@ int many_seeds(const SweepArgs& a, SweepAllocCounter count) {
     SweepTotals totals;
     bool broke = false;
     for (size_t i = 0; i < outcomes.size(); i++) {
-        sweep_print_violations(stdout, a.first + i, outcomes[i]);
+        sweep_print_violations(stdout, "seed " + std::to_string(a.first + i), outcomes[i]);
         sweep_totals_add(&totals, outcomes[i]);
         broke = broke || !outcomes[i].violations.empty();
     }

@@ -1,5 +1,6 @@
 #include "sim/sweep/sweep_facts.h"
 
+#include <algorithm>
 #include <string>
 
 namespace lynd {
@@ -35,6 +36,10 @@ SweepFacts sweep_facts(json_object* doc) {
     json_object* guard = member(param, "flap_guard");
     f.guard = guard != nullptr;
     f.moves_per_hour = static_cast<int>(json_object_get_int64(member(guard, "moves_per_hour")));
+    int64_t hold = f.moves_per_hour > 0 ? 3600 : 0;
+    for (const char* rule : {"min_dwell", "return_hold"})
+        hold = std::max<int64_t>(hold, json_object_get_int64(member(guard, rule)));
+    f.guard_hold_ms = hold * 1000;
     json_object* rules = member(config, "clients");
     for (size_t i = 0; rules != nullptr && i < json_object_array_length(rules); i++) {
         json_object* r = json_object_array_get_idx(rules, i);

@@ -89,7 +89,19 @@ void check_hc_towards_live_path(const SweepFacts& f, const PeriodView& now, std:
             add(out, "hc_towards_live_path", now, "entry of " + w.mac + " written towards " + w.port + ", not a path");
 }
 
-void check_worse_path_evacuated(const SweepFacts& f, const PeriodView& now, std::vector<SweepViolation>* out) {
+// A hold is listed once for as long as it lasts: the client's held moves
+// within the guard's longest hold.
+bool held_lately(const SweepFacts& f, const SweepHistory& h, const PeriodView& now, const std::string& mac) {
+    if (decided(now, "client_held", mac))
+        return true;
+    for (auto v = h.rbegin(); v != h.rend() && v->at_ms >= now.at_ms - f.guard_hold_ms; ++v)
+        if (decided(*v, "client_held", mac))
+            return true;
+    return false;
+}
+
+void check_worse_path_evacuated(const SweepFacts& f, const SweepHistory& h, const PeriodView& now,
+                                std::vector<SweepViolation>* out) {
     int best = best_state(now);
     if (!now.answered || (best != kNormal && best != kWeak))
         return;
@@ -97,7 +109,7 @@ void check_worse_path_evacuated(const SweepFacts& f, const PeriodView& now, std:
         int s = state_of(now, sweep_base_port(c.path));
         if (!live(s) || s == kUnknown || s <= best || excluded(f, c.mac) || pinned_to(f, c.mac, sweep_base_port(c.path)))
             continue;
-        if (s == kWeak && decided(now, "client_held", c.mac))
+        if (s == kWeak && f.guard && held_lately(f, h, now, c.mac))
             continue;
         add(out, "worse_path_evacuated", now,
             c.mac + " left on " + c.path + " (" + kStates[s] + ") while the best path is " + kStates[best]);
@@ -205,7 +217,7 @@ void check_timer_at_end(const SweepFacts& f, const SweepHistory& h, int64_t end_
 void sweep_check_period(const SweepFacts& f, const SweepHistory& h, const PeriodView& now,
                         std::vector<SweepViolation>* out) {
     check_hc_towards_live_path(f, now, out);
-    check_worse_path_evacuated(f, now, out);
+    check_worse_path_evacuated(f, h, now, out);
     check_preferred_live(f, now, out);
     check_flap_budget(f, h, now, out);
     check_pool_agrees(f, now, out);

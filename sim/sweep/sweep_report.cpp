@@ -83,9 +83,9 @@ void sweep_print_table(std::FILE* out, const SweepTotals& t) {
                  on.evacuation_periods.size(), all.evacuation_periods.size());
 }
 
-void sweep_print_violations(std::FILE* out, uint64_t seed, const SweepOutcome& o) {
+void sweep_print_violations(std::FILE* out, const std::string& label, const SweepOutcome& o) {
     for (size_t i = 0; i < o.violations.size(); i++)
-        std::fprintf(out, "seed %llu: %s at %lld s (%zu times): %s\n", static_cast<unsigned long long>(seed),
+        std::fprintf(out, "%s: %s at %lld s (%zu times): %s\n", label.c_str(),
                      o.violations[i].invariant.c_str(), static_cast<long long>(o.violations[i].at_ms / 1000),
                      o.counts[i], o.violations[i].what.c_str());
 }

@@ -22,7 +22,7 @@ struct SweepTotals {
 
 void sweep_totals_add(SweepTotals* t, const SweepOutcome& o);
 void sweep_print_table(std::FILE* out, const SweepTotals& t);
-// "seed K: INVARIANT at T s (N times): what"
-void sweep_print_violations(std::FILE* out, uint64_t seed, const SweepOutcome& o);
+// "LABEL: INVARIANT at T s (N times): what", LABEL "seed K" or a file.
+void sweep_print_violations(std::FILE* out, const std::string& label, const SweepOutcome& o);
 
 }  // namespace lynd

@@ -60,6 +60,7 @@ struct SweepFacts {
     int64_t duration_ms = 0;
     bool guard = false;
     int moves_per_hour = 0;
+    int64_t guard_hold_ms = 0;  // the longest a flap-guard hold lasts
     std::vector<std::string> excluded;
     std::vector<std::pair<std::string, std::string>> pinned;  // MAC -> path interface
 };
