@@ -21,7 +21,7 @@ const char* const kA = "02:00:00:00:0a:01";
 
 SweepFacts facts() {
     SweepFacts f;
-    f.paths = {"ath02", "ath12"};
+    f.paths = {"ath02", "ath12", "ath22"};
     f.period_ms = 10000;
     f.duration_ms = 3600 * 1000;
     return f;
@@ -88,6 +88,18 @@ const Case kCases[] = {
      [](SweepFacts* f, SweepHistory*, PeriodView* v) {
          f->pinned = {{kA, "ath12"}};
          v->paths[1].state = "WEAKLINK";
+     }},
+    {"client pinned to another ABNORMAL path", "",
+     [](SweepFacts* f, SweepHistory*, PeriodView* v) {
+         f->pinned = {{kA, "ath02"}};
+         v->paths = {{"ath02", "ABNORMAL"}, {"ath12", "ABNORMAL"}, {"ath22", "NORMAL"}};
+         v->preferred = "ath22";
+     }},
+    {"client pinned to a downed path", "worse_path_evacuated",
+     [](SweepFacts* f, SweepHistory*, PeriodView* v) {
+         f->pinned = {{kA, "ath02"}};
+         v->paths = {{"ath02", "UNLINK"}, {"ath12", "ABNORMAL"}, {"ath22", "NORMAL"}};
+         v->preferred = "ath22";
      }},
     {"client on a WEAKLINK path held longer ago than a hold lasts", "worse_path_evacuated",
      [](SweepFacts* f, SweepHistory* h, PeriodView* v) {

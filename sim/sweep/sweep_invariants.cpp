@@ -47,10 +47,12 @@ bool excluded(const SweepFacts& f, const std::string& mac) {
     return std::find(f.excluded.begin(), f.excluded.end(), mac) != f.excluded.end();
 }
 
-bool pinned_to(const SweepFacts& f, const std::string& mac, const std::string& path) {
+// A client pinned to a live path goes nowhere else: an evacuation leaves
+// it where it is.
+bool pinned_live(const SweepFacts& f, const PeriodView& v, const std::string& mac) {
     for (const auto& p : f.pinned)
         if (p.first == mac)
-            return p.second == path;  // the first rule of a MAC holds
+            return live(state_of(v, p.second));  // the first rule of a MAC holds
     return false;
 }
 
@@ -107,7 +109,7 @@ void check_worse_path_evacuated(const SweepFacts& f, const SweepHistory& h, cons
         return;
     for (const auto& c : now.clients) {
         int s = state_of(now, sweep_base_port(c.path));
-        if (!live(s) || s == kUnknown || s <= best || excluded(f, c.mac) || pinned_to(f, c.mac, sweep_base_port(c.path)))
+        if (!live(s) || s == kUnknown || s <= best || excluded(f, c.mac) || pinned_live(f, now, c.mac))
             continue;
         if (s == kWeak && f.guard && held_lately(f, h, now, c.mac))
             continue;

@@ -19,7 +19,8 @@ void check_hc_towards_live_path(const SweepFacts& f, const PeriodView& now, std:
 // When the best live path is NORMAL or WEAKLINK, no client is left on a
 // live path in a worse state after the run: the evacuation step moves the
 // clients of every worse path at once. Kept: excluded clients, clients
-// pinned to that path, and clients whose move the flap guard holds (it
+// pinned to a live path (any live state: the pin keeps them off every
+// other path), and clients whose move the flap guard holds (it
 // holds steering off a WEAKLINK path, never an evacuation off an ABNORMAL
 // one; a hold is listed once while it lasts).
 void check_worse_path_evacuated(const SweepFacts& f, const SweepHistory& h, const PeriodView& now,
