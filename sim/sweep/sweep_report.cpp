@@ -16,6 +16,7 @@ void merge(SweepStats* into, const SweepStats& s) {
     into->client_hours += s.client_hours;
     into->moves += s.moves;
     into->returns += s.returns;
+    into->steering_returns += s.steering_returns;
     into->preferred_changes += s.preferred_changes;
     into->runs += s.runs;
     into->evacuation_periods.insert(into->evacuation_periods.end(), s.evacuation_periods.begin(),
@@ -73,6 +74,8 @@ void sweep_print_table(std::FILE* out, const SweepTotals& t) {
         per(all.moves, all.client_hours));
     row(out, "A->B->A returns within 5 min per client-hour", per(off.returns, off.client_hours),
         per(on.returns, on.client_hours), per(all.returns, all.client_hours));
+    row(out, "  of which back by steering, not evacuation", per(off.steering_returns, off.client_hours),
+        per(on.steering_returns, on.client_hours), per(all.steering_returns, all.client_hours));
     row(out, "preferred-port changes per hour", per(off.preferred_changes, off.hours),
         per(on.preferred_changes, on.hours), per(all.preferred_changes, all.hours));
     row(out, "period runs per hour", per(off.runs, off.hours), per(on.runs, on.hours), per(all.runs, all.hours));

@@ -40,8 +40,10 @@ void SweepStatsBuilder::add_moves(const PeriodView& v) {
         stats_.moves++;
         auto it = last_move_.find(d.subject);
         if (it != last_move_.end() && it->second.from == d.to && it->second.to == d.from &&
-            d.at_s - it->second.at_s <= kReturnWindowS)
+            d.at_s - it->second.at_s <= kReturnWindowS) {
             stats_.returns++;
+            stats_.steering_returns += d.reason != "path weak" && d.reason != "path abnormal" && d.reason != "path unlinked";
+        }
         last_move_[d.subject] = LastMove{d.at_s, d.from, d.to};
     }
 }

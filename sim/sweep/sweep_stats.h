@@ -17,6 +17,7 @@ struct SweepStats {
     double client_hours = 0;
     uint64_t moves = 0;
     uint64_t returns = 0;  // A to B and back to A within 5 minutes
+    uint64_t steering_returns = 0;  // of which the way back was no evacuation
     uint64_t preferred_changes = 0;
     uint64_t runs = 0;
     // Periods from a path turning ABNORMAL or UNLINK to its last client

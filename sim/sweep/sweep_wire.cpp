@@ -9,7 +9,7 @@ std::string sweep_outcome_text(const SweepOutcome& o) {
     const SweepStats& s = o.stats;
     std::ostringstream t;
     t << "stats " << (s.guard ? 1 : 0) << ' ' << s.hours << ' ' << s.client_hours << ' ' << s.moves << ' '
-      << s.returns << ' ' << s.preferred_changes << ' ' << s.runs << '\n';
+      << s.returns << ' ' << s.steering_returns << ' ' << s.preferred_changes << ' ' << s.runs << '\n';
     t << "evac";
     for (int64_t p : s.evacuation_periods)
         t << ' ' << p;
@@ -34,7 +34,7 @@ bool sweep_outcome_parse(const std::string& text, SweepOutcome* o) {
         SweepStats& s = o->stats;
         if (tag == "stats") {
             int guard = 0;
-            l >> guard >> s.hours >> s.client_hours >> s.moves >> s.returns >> s.preferred_changes >> s.runs;
+            l >> guard >> s.hours >> s.client_hours >> s.moves >> s.returns >> s.steering_returns >> s.preferred_changes >> s.runs;
             s.guard = guard != 0;
         } else if (tag == "evac") {
             int64_t p = 0;
