@@ -117,6 +117,8 @@ json_object* sweep_node_json(const SweepNode& n) {
     put(uci, "meshd.meshd.role", jstr("agent"));
     if (n.ts)
         ts_uci(uci);
+    if (n.ts && n.two_bridges)
+        put(uci, "wireless.ath3.ssid", jstr("home"));
     put(node, "uci", uci);
     json_object* tools = json_object_new_object();
     put(tools, "iwpriv wifi0 dbdc_enable 0", jstr(""));
