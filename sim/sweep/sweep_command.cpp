@@ -51,18 +51,22 @@ bool parse_args(int argc, char** argv, SweepArgs* a) {
 
 int64_t duration_of(const SweepArgs& a) { return static_cast<int64_t>(a.hours * 3600); }
 
-// One document's outcome, from a child of its own; a child that died
-// broke no_crash.
+// A child's outcome; a child that died broke no_crash.
+SweepOutcome outcome_of(const std::string& text) {
+    SweepOutcome o;
+    if (sweep_outcome_parse(text, &o))
+        return o;
+    SweepOutcome died;
+    died.violations.push_back(SweepViolation{"no_crash", 0, "the run died"});
+    died.counts.push_back(1);
+    return died;
+}
+
+// One document's outcome, from a child of its own.
 SweepOutcome run_in_child(json_object* doc, SweepAllocCounter count) {
     SweepOutcome o;
     sweep_pool(1, 1, [&](size_t) { return sweep_outcome_text(sweep_run(doc, count)); },
-               [&](size_t, const std::string& text) {
-                   if (!sweep_outcome_parse(text, &o)) {
-                       o = SweepOutcome{};
-                       o.violations.push_back(SweepViolation{"no_crash", 0, "the run died"});
-                       o.counts.push_back(1);
-                   }
-               });
+               [&](size_t, const std::string& text) { o = outcome_of(text); });
     return o;
 }
 
@@ -138,13 +142,7 @@ int many_seeds(const SweepArgs& a, SweepAllocCounter count) {
             json_object_put(doc);
             return text;
         },
-        [&](size_t i, const std::string& text) {
-            if (!sweep_outcome_parse(text, &outcomes[i])) {
-                outcomes[i] = SweepOutcome{};
-                outcomes[i].violations.push_back(SweepViolation{"no_crash", 0, "the run died"});
-                outcomes[i].counts.push_back(1);
-            }
-        });
+        [&](size_t i, const std::string& text) { outcomes[i] = outcome_of(text); });
     SweepTotals totals;
     bool broke = false;
     for (size_t i = 0; i < outcomes.size(); i++) {
