@@ -19,6 +19,7 @@
 #include "sim/desk/replay_run.h"
 #include "sim/desk/trace_chain.h"
 #include "sim/desk/trace_reader_stream.h"
+#include "trace/trace_hex.h"
 
 namespace {
 
@@ -65,9 +66,23 @@ void replay_in_child(const lynd::TraceSource& source, bool what_if) {
     fuzz_check(WIFEXITED(status) && WEXITSTATUS(status) <= 1, "the replay ends by itself, without a fault");
 }
 
+// Any bytes written as a record writes them read back the same.
+void check_hex_round_trip(const uint8_t* data, size_t size) {
+    static char text[4096 * 2];
+    static uint8_t back[4096];
+    if (size > sizeof back)
+        return;
+    size_t len = lynd::trace_hex(text, sizeof text, data, size);
+    fuzz_check(len <= sizeof text, "two characters a byte at most");
+    size_t n = 0;
+    fuzz_check(lynd::trace_unhex(text, len, back, sizeof back, &n) && n == size && std::memcmp(back, data, size) == 0,
+               "bytes read back as written");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    check_hex_round_trip(data, size);
     const char* text = reinterpret_cast<const char*>(data);
     std::vector<lynd::Trace> parts;
     lynd::TraceSource source;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include <fstream>
 #include <string>
 
@@ -58,6 +60,23 @@ TEST(TraceReaderTest, HexDecodingExpandsZeroRunsAndRefusesDamage) {
     EXPECT_FALSE(lynd::trace_unhex("z5", 2, &out));
     EXPECT_FALSE(lynd::trace_unhex("z.", 2, &out));
     EXPECT_FALSE(lynd::trace_unhex("z99999999999.", 13, &out));
+}
+
+TEST(TraceReaderTest, WrittenBytesReadBackWholeOrCutToTheRoom) {
+    const uint8_t bytes[] = {0, 0, 0, 0, 0, 7, 0, 0, 0x80, 0, 0, 0, 0};
+    char text[64];
+    size_t len = lynd::trace_hex(text, sizeof text, bytes, sizeof bytes);
+    ASSERT_LE(len, sizeof text);
+    EXPECT_EQ("z5.07000080z4.", std::string(text, len));
+    uint8_t back[sizeof bytes] = {};
+    size_t n = 0;
+    ASSERT_TRUE(lynd::trace_unhex(text, len, back, sizeof back, &n));
+    EXPECT_EQ(sizeof bytes, n);
+    EXPECT_EQ(0, std::memcmp(bytes, back, sizeof bytes));
+    uint8_t cut[6] = {1, 1, 1, 1, 1, 1};
+    ASSERT_TRUE(lynd::trace_unhex(text, len, cut, sizeof cut, &n));
+    EXPECT_EQ(sizeof bytes, n);  // the count is the text's, the bytes the room's
+    EXPECT_EQ(7, cut[5]);
 }
 
 // Lines a hostile trace may hold: each refused with its line named, before

@@ -66,19 +66,6 @@ bool read_parsed(const char* p, size_t n, int line, TraceRecord* r, std::string*
     return true;
 }
 
-// A zero run's count; a run longer than any field is damage.
-bool zero_run(const char* hex, size_t len, size_t* i, size_t* run) {
-    size_t j = *i + 1;
-    *run = 0;
-    for (; j < len && hex[j] >= '0' && hex[j] <= '9'; j++)
-        if (*run <= TRACE_FIELD_MAX)
-            *run = *run * 10 + static_cast<size_t>(hex[j] - '0');
-    if (j == *i + 1 || j >= len || hex[j] != '.' || *run > TRACE_FIELD_MAX)
-        return false;
-    *i = j + 1;
-    return true;
-}
-
 }  // namespace
 
 std::string trace_line_error(int line, const std::string& why) { return "line " + std::to_string(line) + ": " + why; }
@@ -172,24 +159,13 @@ std::string TraceRecord::text(const char* key, size_t max) const {
 }
 
 bool trace_unhex(const char* hex, size_t len, std::string* out, size_t max) {
-    out->clear();
-    for (size_t i = 0; i < len;) {
-        if (hex[i] == 'z') {
-            size_t run = 0;
-            if (!zero_run(hex, len, &i, &run))
-                return false;
-            size_t room = max - out->size();
-            out->append(run < room ? run : room, '\0');
-            continue;
-        }
-        int hi = i + 1 < len ? lynd_hex_digit(hex[i]) : -1;
-        int lo = i + 1 < len ? lynd_hex_digit(hex[i + 1]) : -1;
-        if (hi < 0 || lo < 0)
-            return false;
-        if (out->size() < max)
-            out->push_back(static_cast<char>(hi * 16 + lo));
-        i += 2;
+    static uint8_t decoded[TRACE_FIELD_MAX];  // the replay is single-threaded
+    size_t n = 0;
+    if (!trace_unhex(hex, len, decoded, max < sizeof decoded ? max : sizeof decoded, &n)) {
+        out->clear();
+        return false;
     }
+    out->assign(reinterpret_cast<const char*>(decoded), n < max ? n : max);
     return true;
 }
 

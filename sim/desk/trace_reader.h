@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "trace/trace_hex.h"
 #include "trace/trace_line.h"
 
 namespace lynd {
@@ -22,9 +23,6 @@ constexpr int64_t TRACE_TIME_MAX = int64_t{1} << 42;
 inline bool trace_clock_in_range(int64_t s, int64_t ns) {
     return s >= 0 && s <= TRACE_TIME_MAX / 1000 && ns >= 0 && ns < 1000000000;
 }
-// No buffer the daemon hands over is larger: the bound of a decoded field
-// that fills none of the daemon's own (anonymize, checks).
-constexpr size_t TRACE_FIELD_MAX = 1024 * 1024;
 
 // A record keeps its line's text and is parsed when first read; release()
 // lets the parsed object go.

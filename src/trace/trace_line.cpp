@@ -5,14 +5,12 @@
 #include <cstring>
 #include <new>
 
+#include "trace/trace_hex.h"
+
 namespace lynd {
 
 namespace {
 
-const char kHex[] = "0123456789abcdef";
-// Driver replies, frames and library buffers are mostly zeros: a run this
-// long or longer is written as z<count>.
-constexpr size_t kZeroRun = 4;
 
 }  // namespace
 
@@ -108,31 +106,6 @@ void TraceLine::num(const char* k, int64_t v) {
     char b[24];
     int n = std::snprintf(b, sizeof b, "%" PRId64, v);
     put(b, static_cast<size_t>(n));
-}
-
-size_t trace_hex(char* out, size_t room, const void* p, size_t n) {
-    const auto* b = static_cast<const uint8_t*>(p);
-    size_t len = 0;
-    for (size_t i = 0; i < n;) {
-        size_t run = 0;
-        while (i + run < n && b[i + run] == 0)
-            run++;
-        char piece[24];
-        int m = 2;
-        if (run >= kZeroRun) {
-            m = std::snprintf(piece, sizeof piece, "z%zu.", run);
-            i += run;
-        } else {
-            piece[0] = kHex[b[i] >> 4];
-            piece[1] = kHex[b[i] & 15];
-            i++;
-        }
-        if (static_cast<size_t>(m) > room - len)
-            return room + 1;
-        std::memcpy(out + len, piece, static_cast<size_t>(m));
-        len += static_cast<size_t>(m);
-    }
-    return len;
 }
 
 void TraceLine::hex(const char* k, const void* p, size_t n) {

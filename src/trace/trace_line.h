@@ -56,10 +56,6 @@ private:
     bool overflow_ = false;
 };
 
-// n bytes as a record writes them (hex, zero runs as z<count>.) into out:
-// the length, or more than room when they do not fit.
-size_t trace_hex(char* out, size_t room, const void* p, size_t n);
-
 // True when every byte reads as itself inside a JSON string.
 bool trace_is_plain_text(const char* s, size_t n);
 

@@ -112,6 +112,13 @@ void lynd_mac_check(const uint8_t* a, uint8_t* b) {
         fn(a, b);
 }
 
+int wlan_restart_link(uint32_t type) {
+    if (lynd_shadow_holds("reconnect"))
+        return 0;
+    auto fn = slot(&wlan_platform::restart_link);
+    return fn != nullptr ? fn(type) : 0;
+}
+
 int lynd_platform_init() {
     auto fn = slot(&wlan_platform::platform_init);
     return fn != nullptr ? fn() : 0;

@@ -1,5 +1,7 @@
 // Chipset-specific wireless work goes through one table of operations. An
 // empty slot means "not supported": its dispatcher returns 0 and logs nothing.
+// The dispatchers, not the back-ends, hold back in shadow mode every action
+// that steers traffic, so a new back-end need not know shadow mode.
 #pragma once
 #include <cstdint>
 
@@ -25,6 +27,7 @@ struct wlan_platform {
     int (*platform_init)();
     int (*platform_finit)();
     int (*platform_test)();
+    int (*restart_link)(uint32_t type);
 };
 
 // The active table; set before start, never changed at run time.

@@ -5,7 +5,6 @@
 
 #include "core/queries.h"
 #include "core/log.h"
-#include "core/shadow.h"
 #include "wlan/link_activation.h"
 #include "wlan/qca/link_stats_qca.h"
 #include "wlan/qca/qca_request.h"
@@ -73,7 +72,7 @@ void wlan_delete_wds_entry_qca(const char* ifname, const uint8_t* mac) {
         LYND_ERR("ioctl");
 }
 
-int wlan_restart_link(uint32_t type) {
+int wlan_restart_link_qca(uint32_t type) {
     const char* name = type >= IF_TYPE_2G && type < IF_TYPE_MAX ? link_ifname[type] : "";
     if (name[0] == '\0') {
         LYND_ERR("Error type: %d", static_cast<int>(type));
@@ -84,8 +83,6 @@ int wlan_restart_link(uint32_t type) {
     char cmd[128];
     std::snprintf(cmd, sizeof cmd, "wpa_cli -p %s -i %s reconnect", ctrl_dir, name);
     LYND_DEBUG("call: %s", cmd);
-    if (lynd_shadow_holds("reconnect"))
-        return 0;
     const char* const argv[] = {"wpa_cli", "-p", ctrl_dir, "-i", name, "reconnect", nullptr};
     return lynd_tool_status(argv);
 }

@@ -12,3 +12,5 @@ uint8_t wlan_activate_links_qca(const char* ifname, const conf_param* param);
 // of peers.
 uint8_t wlan_activate_links_for_ap_qca(const char* ifname, const conf_param* param);
 void wlan_delete_wds_entry_qca(const char* ifname, const uint8_t* mac);
+// Runs wpa_cli reconnect for the station of a wireless type.
+int wlan_restart_link_qca(uint32_t type);

@@ -58,4 +58,5 @@ const wlan_platform wlan_platform_qca = {
     qca_platform_init,
     qca_platform_finit,
     nullptr,  // platform_test
+    wlan_restart_link_qca,
 };
