@@ -1,5 +1,7 @@
 // The flap guard: each rule holds a steering move and says for how long;
 // moves off a broken path never wait; a held move is listed once.
+#include <algorithm>
+
 #include "core/counters.h"
 #include "core/decision_ring.h"
 #include "modules/path_selection/client_log.h"
@@ -170,6 +172,21 @@ TEST_F(PreferredGuardTest, ThePortSwingsBackOnlyAfterTheWindowOrToABetterState) 
     EXPECT_EQ(&hc_paths[IF_TYPE_2G], choose());
     hc_paths[IF_TYPE_5G].state = PATH_NORMAL;
     loop.advance(5 * kMin);
+    EXPECT_EQ(&hc_paths[IF_TYPE_2G], choose());
+}
+
+// A restart (a record call, a new configuration) starts with no path left.
+TEST_F(PreferredGuardTest, ARestartForgetsThePathThePortLeft) {
+    guard().preferred_return_ms = 10 * kMin;
+    preferred_guard_note(&conf.bridges[0], 2, 12);
+    conf.bridges[0].preferred_ifindex = 12;
+    loop.advance(kMin);
+    ASSERT_EQ(&hc_paths[IF_TYPE_5G], choose());
+    hc_path kept[IF_TYPE_MAX];
+    std::copy(hc_paths, hc_paths + IF_TYPE_MAX, kept);
+    path_selection_state_reset();
+    std::copy(kept, kept + IF_TYPE_MAX, hc_paths);
+    g_ps_conf = &conf;
     EXPECT_EQ(&hc_paths[IF_TYPE_2G], choose());
 }
 

@@ -12,7 +12,6 @@
 #include "event/event_dispatch.h"
 #include "modules/loop_avoidance/bcast_port.h"
 #include "modules/path_selection/hc_records.h"
-#include "modules/path_selection/preferred_guard.h"
 #include "wlan/wlan.h"
 
 void lynd_process_state_reset() {
@@ -26,7 +25,6 @@ void lynd_process_state_reset() {
     l_ev = nullptr;
     loop_avoidance_state_reset();
     path_selection_state_reset();
-    preferred_guard_reset();
     decision_ring_reset();
     lynd_shadow_reset();
     lynd_counters_reset();

@@ -8,6 +8,7 @@
 #include "modules/path_selection/client_log.h"
 #include "modules/path_selection/explain_records.h"
 #include "modules/path_selection/path_insight.h"
+#include "modules/path_selection/preferred_guard.h"
 #include "modules/path_selection/ps_funcs.h"
 
 const char* const path_state_names[7] = {"UNINITED",          "UNLINK",   "NORMAL", "WEAKLINK",
@@ -37,6 +38,7 @@ void path_selection_state_reset() {
     path_insight_reset();
     client_log_reset();
     explain_reset();
+    preferred_guard_reset();
 }
 
 hc_client* hc_client_of_path_node(lynd_list* l) {

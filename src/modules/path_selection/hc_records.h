@@ -106,7 +106,12 @@ extern uint8_t g_dbg_overload_mask;
 extern debug_path_info g_dbg_path_info[IF_TYPE_MAX];
 extern uint32_t g_hc_rand_state;  // the run magic's generator
 
-// Everything as a new process has it.
+// Everything path selection keeps from run to run (paths, client pool and
+// lists, the magic and its generator, explain and insight records, the
+// client log with the flap guard's marks, the preferred port's leaves) as a
+// new process has it: the one reset, so a restart carries nothing over.
+// The per-run scratch (the sync's index, the period's port lists) is
+// rebuilt by every run and needs none.
 void path_selection_state_reset();
 
 inline bool path_is_live(const hc_path& p) { return p.state > PATH_UNLINK; }

@@ -72,17 +72,19 @@ void wlan_delete_wds_entry_qca(const char* ifname, const uint8_t* mac) {
         LYND_ERR("ioctl");
 }
 
+// Its lines belong to the dispatcher's operation.
 int wlan_restart_link_qca(uint32_t type) {
+    constexpr const char* kFn = "wlan_restart_link";
     const char* name = type >= IF_TYPE_2G && type < IF_TYPE_MAX ? link_ifname[type] : "";
     if (name[0] == '\0') {
-        LYND_ERR("Error type: %d", static_cast<int>(type));
+        LYND_ERR_AS(kFn, "Error type: %d", static_cast<int>(type));
         return -1;
     }
     char ctrl_dir[48];
     std::snprintf(ctrl_dir, sizeof ctrl_dir, "/var/run/wpa_supplicant-%s", name);
     char cmd[128];
     std::snprintf(cmd, sizeof cmd, "wpa_cli -p %s -i %s reconnect", ctrl_dir, name);
-    LYND_DEBUG("call: %s", cmd);
+    LYND_DEBUG_AS(kFn, "call: %s", cmd);
     const char* const argv[] = {"wpa_cli", "-p", ctrl_dir, "-i", name, "reconnect", nullptr};
     return lynd_tool_status(argv);
 }
