@@ -8,9 +8,11 @@ FUZZ_SECONDS ?= 10
 SCENARIO     ?= scenarios/demo.json
 TIMELINE     ?=
 CMAKE_ARGS   ?=
+SWEEP_SEEDS  ?= 1000
+SWEEP_HOURS  ?= 1
 ARCH          = armhf mipsel s390x  # not from the environment: make cross-test ARCH=mipsel
 
-.PHONY: all deps build run test test-plain test-asan fuzz cross-test bench callgrind mutate size clean
+.PHONY: all deps build run test test-plain test-asan fuzz cross-test bench callgrind mutate size sweep clean
 
 all: build
 
@@ -66,6 +68,11 @@ size: build
 # set; MUTATE_FILES=... and MUTATE_SECONDS=... narrow it).
 mutate: deps
 	tools/mutate
+
+# A thousand random virtual hours through the daemon, every invariant
+# checked after each period run; one table (SWEEP_SEEDS=... SWEEP_HOURS=...).
+sweep: build
+	$(BUILD)/lynd-sim sweep --seeds $(SWEEP_SEEDS) --hours $(SWEEP_HOURS) --jobs $(JOBS)
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) $(CROSS_BUILD) build-mutate

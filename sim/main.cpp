@@ -3,6 +3,7 @@
 //   lynd-sim check SCENARIO...
 //   lynd-sim replay TRACE [TRACE...] [daemon options]
 //   lynd-sim roundtrip [--keep DIR] SCENARIO...   (record, replay, compare)
+//   lynd-sim sweep [--seeds N] [--first K] [--hours H] [--jobs J] | --seed K [--hours H] [--keep FILE]
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -24,6 +25,8 @@
 #include "sim/scenario/scenario.h"
 #include "sim/desk/trace_anonymize.h"
 #include "sim/sim_node.h"
+#include "sim/sweep/sweep_alloc.h"
+#include "sim/sweep/sweep_command.h"
 #include "sim/node/state_dir.h"
 #include "sim/timeline/timeline_trace.h"
 #include "sim/node/trace_dir.h"
@@ -389,7 +392,9 @@ int usage() {
                  "       lynd-sim check SCENARIO...\n"
                  "       lynd-sim replay TRACE [TRACE...] [--timeline OUT.svg] [--config OTHER.json] [daemon options]\n"
                  "       lynd-sim roundtrip [--keep DIR] SCENARIO...\n"
-                 "       lynd-sim anonymize TRACE OUT\n");
+                 "       lynd-sim anonymize TRACE OUT\n"
+                 "       lynd-sim sweep [--seeds N] [--first K] [--hours H] [--jobs J]\n"
+                 "       lynd-sim sweep --seed K [--hours H] [--keep FILE]\n");
     return 2;
 }
 
@@ -408,5 +413,7 @@ int main(int argc, char** argv) {
         status = anonymize(argv[2], argv[3]);
     else if (argc >= 3 && std::strcmp(argv[1], "roundtrip") == 0)
         status = roundtrip(argc - 2, argv + 2);
+    else if (argc >= 2 && std::strcmp(argv[1], "sweep") == 0)
+        status = lynd::sweep_command(argc - 2, argv + 2, sweep_daemon_allocations);
     return status < 0 ? usage() : status;
 }

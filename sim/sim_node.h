@@ -53,6 +53,7 @@ public:
     SimWlan& wlan() { return wlan_; }
     SimClients& clients() { return clients_; }
     SimBus& bus() { return bus_; }
+    SimLoop& loop() { return loop_; }
     const std::vector<BusCallRecord>& bus_calls() const { return bus_calls_; }
     // Before run(): the daemon's trace directory (a `record` call's file, or
     // the configuration's "record", is a name in it). The first such trace

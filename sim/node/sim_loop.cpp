@@ -80,7 +80,11 @@ void SimLoop::fire_due(int64_t until_ms) {
         if (t->expires_ms > now_ms_)
             now_ms_ = t->expires_ms;
         timers_.remove(t);
+        if (watch_ != nullptr)
+            watch_->before_fire(t);
         t->cb(t);
+        if (watch_ != nullptr)
+            watch_->after_fire(t);
     }
 }
 

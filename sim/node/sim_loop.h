@@ -9,6 +9,15 @@
 
 namespace lynd {
 
+// Told around each timer the loop fires (a sweep checks the daemon after
+// its period runs).
+class LoopFireWatch {
+public:
+    virtual ~LoopFireWatch() = default;
+    virtual void before_fire(LoopTimer* t) = 0;
+    virtual void after_fire(LoopTimer* t) = 0;
+};
+
 class SimLoop : public Loop {
 public:
     int init() override;
@@ -39,6 +48,7 @@ public:
     // daemon ends (a restart within the process).
     void keep(LoopTimer* t);
     int done_count() const { return done_count_; }
+    void set_fire_watch(LoopFireWatch* w) { watch_ = w; }
 
 private:
     void fire_due(int64_t until_ms);
@@ -51,6 +61,7 @@ private:
     int64_t stop_ms_ = INT64_MAX;
     bool ended_ = false;
     bool running_ = false;
+    LoopFireWatch* watch_ = nullptr;
     int init_count_ = 0;
     int done_count_ = 0;
 };
