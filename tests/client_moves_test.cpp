@@ -247,10 +247,14 @@ TEST_F(ClientMovesTest, WhichOfTwoFittingClientsMovesFollowsThePriorityStep) {
 }
 
 TEST_F(ClientMovesTest, ADownedPathsClientsFollowTheEmergencyChoiceOrTheTableIsFlushed) {
+    g_lynd_dgb_lvl = LYND_LVL_ERR;
     hc_client* c = client(1, IF_TYPE_2G);
+    hc_client* nameless = client(2, IF_TYPE_2G, 99);  // its access port has no name: it stays
     hc_paths[IF_TYPE_2G].state = PATH_UNLINK;
     path_selection_pre_update_uplink_path_for_hc_v2(&conf.bridges[0], hc_paths, IF_TYPE_5G);
     EXPECT_TRUE(on(c, IF_TYPE_5G));
+    EXPECT_TRUE(on(nameless, IF_TYPE_2G));
+    EXPECT_TRUE(host.logged("] if_indextoname(hc->src_port:99, ifname:) == NULL!"));
     EXPECT_EQ(1u, bridge.count_calls("bridgeSetHCTableEntries br-lan " + mac_of(1) + " " + mac_of(1) + " ath1 ath12"));
     g_lynd_dgb_lvl = LYND_LVL_WARN;
     path_selection_pre_update_uplink_path_for_hc_v2(&conf.bridges[0], hc_paths, PATH_NONE);

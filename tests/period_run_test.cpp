@@ -1,5 +1,6 @@
 // The period run's order and its stops, seen from the bridge and the log.
 #include "bridge/hybrid_tables.h"
+#include "modules/path_selection/client_moves.h"
 #include "modules/path_selection/period_drive.h"
 #include "modules/path_selection/uplink_drive.h"
 #include "ps_fixture.h"
@@ -112,14 +113,21 @@ TEST_F(PeriodRunTest, TheVlanCheckMeetsAMovedClientOnItsNewPath) {
     conf.ts.vlan_count = 1;
     conf.ts.vlan_ids[0] = 20;
     add_iface(conf, "ath1.20", IF_TYPE_5G).ts_vlan_id = 20;
+    g_lynd_dgb_lvl = LYND_LVL_INFO;
     node_entry();
     hc_client* c = newcomer(1, 40);
     drive();
     ASSERT_TRUE(on(c, IF_TYPE_5G));
     // The move writes the entry, then the check finds its old port and writes it again.
-    EXPECT_EQ(2u, bridge.count_calls("bridgeSetHCTableEntries br-lan " + mac_of(1) + " " + mac_of(1) +
-                                     " ath1.20 ath12.20"));
+    std::string to_vlan = "bridgeSetHCTableEntries br-lan " + mac_of(1) + " " + mac_of(1) + " ath1.20 ath12.20";
+    EXPECT_EQ(std::vector<std::string>({to_vlan, to_vlan}), bridge.calls_matching("bridgeSetHCTableEntries"));
     EXPECT_EQ(42u, c->hc.dst_port);
+    EXPECT_TRUE(host.logged("] adjust_hc->src_port:40, src_ifname:ath1.20, home_name:ath12"));
+    // A downed path's clients go the same way, and say so.
+    hc_paths[IF_TYPE_5G].state = PATH_UNLINK;
+    path_selection_pre_update_uplink_path_for_hc_v2(&conf.bridges[0], hc_paths, IF_TYPE_2G);
+    EXPECT_TRUE(on(c, IF_TYPE_2G));
+    EXPECT_TRUE(host.logged("] src_ifname:ath1.20, dst_ifname:ath02.20, home_name:ath02, vlan_id:20"));
 }
 
 // A bridge with the two backhaul paths and the two access points as ports.
