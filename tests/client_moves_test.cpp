@@ -49,19 +49,6 @@ TEST_F(ClientMovesTest, AFittingClientMovesOnlyAfterThreeRunsAndPaysItsQuota) {
     EXPECT_EQ(1u, bridge.count_calls("bridgeSetHCTableEntries"));
 }
 
-TEST_F(ClientMovesTest, ANewWirelessClientMovesAtOnceAndAHeavyOneNever) {
-    hc_client* fresh = client(1, IF_TYPE_2G);
-    fresh->flags = HC_FLAG_ASSOC_NEWLY;
-    run(fresh, IF_TYPE_5G);
-    EXPECT_TRUE(on(fresh, IF_TYPE_5G));
-    EXPECT_EQ(0, fresh->flags & HC_FLAG_ASSOC_NEWLY);
-    hc_client* heavy = client(2, IF_TYPE_2G);
-    heavy->hc.bytes = 64000000ull * 2;  // 5000 of quota: more than half of 6000 - 0
-    heavy->flags = HC_FLAG_ASSOC_NEWLY;
-    run(heavy, IF_TYPE_5G);
-    EXPECT_TRUE(on(heavy, IF_TYPE_2G));
-}
-
 TEST_F(ClientMovesTest, OneMovePerRunThenTheLightestWhenMovingDown) {
     path(IF_TYPE_5G_2, "ath22", 6);
     hc_paths[IF_TYPE_5G_2].quota = 6000;
