@@ -39,6 +39,16 @@ TEST(MeshReply, FindControllerNeedsRetZeroThenAMac) {
     EXPECT_EQ(1, lynd_parse_mac_text("0a-0B-0c-0d-0e-0f", ':', mac));
 }
 
+TEST(MacText, EachLogLineKeepsItsSeparatorAndCase) {
+    const uint8_t m[6] = {0x0a, 0xb1, 0x02, 0xf3, 0x04, 0xff};
+    EXPECT_STREQ("0a:b1:02:f3:04:ff", lynd_mac(m).s);
+    EXPECT_STREQ("0a-b1-02-f3-04-ff", lynd_mac(m, '-').s);
+    EXPECT_STREQ("0A:B1:02:F3:04:FF", lynd_mac(m, ':', true).s);
+    char text[LYND_MAC_TEXT_LEN];
+    lynd_mac_text(m, text);
+    EXPECT_STREQ("0a:b1:02:f3:04:ff", text);
+}
+
 TEST(MeshReply, BackhaulEthernetNeedsSuccessZero) {
     char name[LYND_BH_ETH_NAME_LEN] = {};
     for (const char* r : {"{ \"success\": 1 }", "{ \"success\": 99999999999999999999 }", "{\"success\": 0}", ""})

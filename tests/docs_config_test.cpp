@@ -22,6 +22,7 @@ struct doc_row {
     std::string name;  // the first name in the key cell
     std::string key_cell;
     std::string type;
+    std::string def;
     std::string range;
 };
 
@@ -72,7 +73,7 @@ doc_rows read_doc(const std::string& text) {
         if (c.size() < 4)
             continue;
         size_t tick = c[0].find('`', 1);
-        doc_row r{c[0].substr(1, tick - 1), c[0], c[1], c[3]};
+        doc_row r{c[0].substr(1, tick - 1), c[0], c[1], c[2], c[3]};
         rows[{section, r.name}] = r;
     }
     return rows;
@@ -170,6 +171,16 @@ std::string range_text(const config_key& k) {
     return "?";
 }
 
+// The default as the reference writes it; by band only where bands differ.
+std::string default_text(const config_key& k) {
+    auto one = [&](int32_t v) { return k.kind == config_kind::BOOL ? std::string(v ? "true" : "false") : std::to_string(v); };
+    if (!k.per_band || (k.def[0] == k.def[1] && k.def[1] == k.def[2]))
+        return one(k.def[0]);
+    if (k.def[1] == k.def[2])
+        return one(k.def[0]) + " (2g), " + one(k.def[1]) + " (5g, 6g)";
+    return one(k.def[0]) + " (2g), " + one(k.def[1]) + " (5g), " + one(k.def[2]) + " (6g)";
+}
+
 class DocsConfig : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -196,6 +207,10 @@ TEST_F(DocsConfig, EveryKeyIsDocumentedWithItsTypeAndRange) {
         }
         EXPECT_EQ(1u, type_words(k.second->kind).count(row->second.type)) << name << ": type " << row->second.type;
         EXPECT_EQ(range_text(*k.second), row->second.range) << name;
+        // A key its owner loads documents its own default (by type, by another key).
+        if (k.second->store != nullptr) {
+            EXPECT_EQ(default_text(*k.second), row->second.def) << name;
+        }
         if (k.second->per_band) {
             EXPECT_NE(std::string::npos, row->second.key_cell.find("`_5g`, `_6g`")) << name << ": all three bands";
         }

@@ -8,6 +8,7 @@
 #include <map>
 #include <vector>
 
+#include "core/mac.h"
 #include "bridge/table_entries.h"
 #include "sim/desk/trace_reader.h"
 #include "trace/trace_line.h"
@@ -133,10 +134,7 @@ std::string Anonymizer::text(const std::string& s) const {
         bool upper = std::isupper(static_cast<unsigned char>(out[p])) || std::isupper(static_cast<unsigned char>(out[p + 1]));
         char sep = out[p + 2];
         const auto* b = reinterpret_cast<const uint8_t*>(it->second.data());
-        char t[18];
-        std::snprintf(t, sizeof t, upper ? "%02X%c%02X%c%02X%c%02X%c%02X%c%02X" : "%02x%c%02x%c%02x%c%02x%c%02x%c%02x",
-                      b[0], sep, b[1], sep, b[2], sep, b[3], sep, b[4], sep, b[5]);
-        out.replace(p, 17, t);
+        out.replace(p, 17, lynd_mac(b, sep, upper).s);
         p += 16;
     }
     for (const auto& kv : ssids_) {

@@ -9,6 +9,7 @@
 #include <map>
 #include <tuple>
 
+#include "core/mac.h"
 #include "sim/desk/replay_tape.h"
 
 namespace lynd {
@@ -20,11 +21,9 @@ constexpr size_t kMaxListed = 200;
 constexpr size_t kMaxDecisions = 200000;
 
 std::string mac_text(const std::string& bytes) {
-    char b[18] = {};
-    if (bytes.size() == 6)
-        std::snprintf(b, sizeof b, "%02x:%02x:%02x:%02x:%02x:%02x", bytes[0] & 0xff, bytes[1] & 0xff, bytes[2] & 0xff,
-                      bytes[3] & 0xff, bytes[4] & 0xff, bytes[5] & 0xff);
-    return b;
+    if (bytes.size() != LYND_MAC_LEN)
+        return "";
+    return lynd_mac(reinterpret_cast<const uint8_t*>(bytes.data())).s;
 }
 
 std::string member(json_object* o, const char* key) {

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 
+#include "core/mac.h"
 #include "sim/node/sim_host.h"
 
 namespace lynd {
@@ -16,9 +17,7 @@ std::string str(const char* s) { return s != nullptr ? s : "(null)"; }
 std::string mac_str(const unsigned char* m) {
     if (m == nullptr)
         return "(null)";
-    char buf[18];
-    std::snprintf(buf, sizeof buf, "%02x:%02x:%02x:%02x:%02x:%02x", m[0], m[1], m[2], m[3], m[4], m[5]);
-    return buf;
+    return lynd_mac(m).s;
 }
 
 std::string num(long v) { return std::to_string(v); }

@@ -20,11 +20,7 @@ constexpr uint32_t kModeMaster = 3;
 constexpr uint64_t kBytesPerMbitSecond = 125000;
 constexpr uint8_t kBasicRates[] = {0x8c, 0x12, 0x98, 0x24, 0xb0, 0x48, 0x60, 0x6c};
 
-std::string mac_text(const uint8_t* mac) {
-    char s[18];
-    std::snprintf(s, sizeof s, "%02x:%02x:%02x:%02x:%02x:%02x", mac[0], mac[1], mac[2], mac[3], mac[4], mac[5]);
-    return s;
-}
+std::string mac_text(const uint8_t* mac) { return lynd_mac(mac).s; }
 
 void put_u16(uint8_t* p, uint16_t v) { std::memcpy(p, &v, sizeof v); }
 void put_u32(uint8_t* p, uint32_t v) { std::memcpy(p, &v, sizeof v); }

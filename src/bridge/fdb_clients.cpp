@@ -3,6 +3,7 @@
 
 #include "bridge/hybrid_tables.h"
 #include "core/log.h"
+#include "core/mac.h"
 #include "platform/seams.h"
 
 int lynd_fdb_to_clients(const uint8_t* fdb, size_t n_entries, const uint32_t* port_ifindex,
@@ -64,9 +65,8 @@ int lynd_get_client_list(const char* bridge_name, int n_ports, conf_interface* c
 void lynd_dump_client_list(int count, const client_entry* clients) {
     for (int i = 0; i < count; i++) {
         const client_entry& c = clients[i];
-        LYND_TRACE("client[%d]: mac %02x:%02x:%02x:%02x:%02x:%02x relay %d type %d fdb_port %u hd_port %u hac_port %u", i,
-                   c.mac[0], c.mac[1], c.mac[2], c.mac[3], c.mac[4], c.mac[5], c.relay, c.type, c.fdb_port, c.hd_port,
-                   0u);
+        LYND_TRACE("client[%d]: mac %s relay %d type %d fdb_port %u hd_port %u hac_port %u", i, lynd_mac(c.mac).s,
+                   c.relay, c.type, c.fdb_port, c.hd_port, 0u);
         for (int h = 0; h < CLIENT_MAX_HA && lynd_check_ha_entry_valid(&c.ha[h]); h++) {
             const ha_entry& a = c.ha[h];
             LYND_TRACE("ha[%d]: is_fcache: %d, dst_port:%u, src_port:%u, port: %u, num_bytes: %u, num_pkts: %u, "

@@ -77,11 +77,9 @@ void load_bridges(lynd_config* conf, json_object* bridges, config_report* r) {
         check_entry(r, config_section::BRIDGE, val, where);
         conf_bridge& br = conf->bridges[conf->n_bridges++];
         copy_name(r, br.name, name, where);
-        br.flags |= json_bool_or(val, "loop_avoidance", false) ? BR_FLAG_LOOP_AVOIDANCE : 0;
-        br.flags |= json_bool_or(val, "path_selection", false) ? BR_FLAG_PATH_SELECTION : 0;
-        br.ps_flags |= json_bool_or(val, "hc_enable", false) ? PS_FLAG_HC : 0;
-        br.ps_flags |= json_bool_or(val, "follow_re", false) ? PS_FLAG_FOLLOW_RE : 0;
-        br.ps_flags |= json_bool_or(val, "tcp_sp", false) ? PS_FLAG_TCP_SP : 0;
+        config_target t{};
+        t.bridge = &br;
+        config_load_section(config_section::BRIDGE, val, t);
         if (br.ps_flags & PS_FLAG_HC)
             LYND_WARN_AS(kLoadFn, "br %s ps mode set to HC", br.name);
     }
@@ -140,14 +138,10 @@ uint8_t priority_from(json_object* iface, uint32_t type) {
 
 void fill_interface(conf_interface& r, json_object* val, uint32_t type) {
     r.type = type;
-    r.relay = !json_bool_or(val, "nonrelay", false);
-    r.compat_group = static_cast<uint8_t>(json_int_or(val, "compat_group", 255));
+    config_target t{};
+    t.iface = &r;
+    config_load_section(config_section::INTERFACE, val, t);
     r.priority = priority_from(val, type);
-    r.path = json_bool_or(val, "path", false);
-    r.if_class = static_cast<uint8_t>(json_int_or(val, "class", 0));
-    r.ts_vap = json_bool_or(val, "ts_vap", false);
-    r.support_ts_vlan = json_bool_or(val, "support_ts_vlan", false);
-    r.switch_vlan_interface = json_bool_or(val, "switch_vlan_interface", false);
 }
 
 config_parse_result load_interfaces(lynd_config* conf, json_object* interfaces, config_report* rep) {
@@ -163,7 +157,6 @@ config_parse_result load_interfaces(lynd_config* conf, json_object* interfaces, 
         if (json_is_object(val))
             config_check_members(rep, config_section::INTERFACE, val, where);
         conf_interface& r = conf->interfaces[conf->n_interfaces];
-        r.eth_index = static_cast<uint32_t>(json_int_or(val, "eth_index", 0));
         json_object* exchange;
         if (!json_has(val, "exchange", &exchange)) {
             copy_name(rep, r.name, name, where);
@@ -256,10 +249,9 @@ config_parse_result config_parse(lynd_config* conf, const char* text, size_t len
         config_check_members(report, config_section::TOP, root, "");
     conf->n_bridges = 0;
     conf->n_interfaces = 0;
-    conf->enable = json_bool_or(root, "enable", false);
-    conf->shadow = json_bool_or(root, "shadow", false);
-    conf->syslog = json_bool_or(root, "syslog", false);
-    conf->log_decisions = json_bool_or(root, "log_decisions", false);
+    config_target top{};
+    top.top = conf;
+    config_load_section(config_section::TOP, root, top);
     config_load_record(conf, root, report);
     config_parse_result rc = config_parse_result::OK;
     if (json_object* bridges = section(report, root, "bridges"))

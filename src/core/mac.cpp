@@ -1,6 +1,7 @@
 #include "core/mac.h"
 
 #include <cstdio>
+#include <cstring>
 
 int lynd_parse_mac_text(const char* text, char sep, uint8_t* mac_out) {
     unsigned o[LYND_MAC_LEN] = {};
@@ -11,7 +12,15 @@ int lynd_parse_mac_text(const char* text, char sep, uint8_t* mac_out) {
     return n > 0 ? n : 0;
 }
 
-void lynd_mac_text(const uint8_t* mac, char* out) {
-    std::snprintf(out, LYND_MAC_TEXT_LEN, "%02x:%02x:%02x:%02x:%02x:%02x", mac[0], mac[1], mac[2], mac[3], mac[4],
-                  mac[5]);
+lynd_mac_str lynd_mac(const uint8_t* mac, char sep, bool upper) {
+    const char* digits = upper ? "0123456789ABCDEF" : "0123456789abcdef";
+    lynd_mac_str t;
+    for (int i = 0; i < LYND_MAC_LEN; i++) {
+        t.s[i * 3] = digits[mac[i] >> 4];
+        t.s[i * 3 + 1] = digits[mac[i] & 0xf];
+        t.s[i * 3 + 2] = i + 1 < LYND_MAC_LEN ? sep : '\0';
+    }
+    return t;
 }
+
+void lynd_mac_text(const uint8_t* mac, char* out) { std::memcpy(out, lynd_mac(mac).s, LYND_MAC_TEXT_LEN); }

@@ -29,3 +29,11 @@ int lynd_parse_mac_text(const char* text, char sep, uint8_t* mac_out);
 
 // "xx:xx:xx:xx:xx:xx"; out has room for LYND_MAC_TEXT_LEN bytes.
 void lynd_mac_text(const uint8_t* mac, char* out);
+
+// The same for a log line's argument, with the separator and the case the
+// line has: lynd_mac(m).s lives to the end of the statement, and is only
+// made when the line is printed.
+struct lynd_mac_str {
+    char s[LYND_MAC_TEXT_LEN];
+};
+lynd_mac_str lynd_mac(const uint8_t* mac, char sep = ':', bool upper = false);

@@ -2,10 +2,10 @@
 
 #include <cstring>
 
-#include "node/mesh_reply.h"
-#include "core/queries.h"
 #include "core/log.h"
+#include "core/mac.h"
 #include "core/queries.h"
+#include "node/mesh_reply.h"
 
 uint8_t g_cap_mac[LYND_MAC_LEN] = {};
 
@@ -21,7 +21,7 @@ constexpr const char* kLevelPath = "tessel.tessel.level";
 
 int lynd_get_cap_mac(uint8_t* mac_out) {
     const uint8_t* c = g_cap_mac;
-    LYND_DEBUG("g_cap_mac: %02x:%02x:%02x:%02x:%02x:%02x", c[0], c[1], c[2], c[3], c[4], c[5]);
+    LYND_DEBUG("g_cap_mac: %s", lynd_mac(c).s);
     if (mac_out == nullptr)
         return 0;
     if (!lynd_mac_is_zero(g_cap_mac)) {
@@ -42,7 +42,7 @@ int lynd_get_cap_mac(uint8_t* mac_out) {
         return 0;
     std::memcpy(mac_out, mac, LYND_MAC_LEN);
     std::memcpy(g_cap_mac, mac, LYND_MAC_LEN);
-    LYND_DEBUG("set g_cap_mac: %02x:%02x:%02x:%02x:%02x:%02x", c[0], c[1], c[2], c[3], c[4], c[5]);
+    LYND_DEBUG("set g_cap_mac: %s", lynd_mac(c).s);
     return 1;
 }
 

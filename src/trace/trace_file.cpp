@@ -69,8 +69,12 @@ int create_at(int dirfd, const char* name) {
 }
 
 bool rotated_name(char (&out)[TRACE_PATH_MAX], const char* name) {
-    int n = std::snprintf(out, sizeof out, "%s.1", name);
-    return n > 0 && static_cast<size_t>(n) < sizeof out;
+    size_t n = std::strlen(name);
+    if (n + sizeof ".1" > sizeof out)
+        return false;
+    std::memcpy(out, name, n);
+    std::memcpy(out + n, ".1", sizeof ".1");
+    return true;
 }
 
 }  // namespace

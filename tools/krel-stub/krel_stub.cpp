@@ -3,12 +3,12 @@
 // tables are empty, and each call's result can be set in the environment:
 // LYND_KREL_<call>=<result> (bridgeSetEventInfo=-1, say). netlink_msg with
 // message type 0 asks whether a bridge is active: LYND_KREL_netlink_msg.
-#include <cinttypes>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/krel_args.h"
 #include "targets/openwrt/krel.h"
 
 namespace {
@@ -44,6 +44,19 @@ int logged(const char* call, const char* fmt, ...) {
     return rc;
 }
 
+// A write's arguments in the record's order: bridge, interfaces, MACs, numbers.
+int logged_write(const lynd::KrelArgs& a) {
+    char c[18], i[18];
+    mac(c, a.mac);
+    mac(i, a.id);
+    char nums[80] = "";  // three 64-bit numbers fit
+    for (int k = 0, at = 0; k < a.nums && k < 3; k++)
+        at += std::snprintf(nums + at, sizeof nums - at, ", %lld", static_cast<long long>(a.num[k]));
+    return logged(a.fn, "%s%s%s%s%s%s%s%s%s%s", s(a.br), a.ifname ? ", " : "", a.ifname ? a.ifname : "",
+                  a.other ? ", " : "", a.other ? a.other : "", a.mac ? ", " : "", a.mac ? c : "", a.id ? ", " : "",
+                  a.id ? i : "", nums);
+}
+
 }  // namespace
 
 extern "C" {
@@ -77,62 +90,9 @@ int netlink_msg(int msg_type, unsigned char* buf, int size, int protocol) {
     return rc;
 }
 
-int bridgeSetHCTableEntries(const char* b, const unsigned char* client, const unsigned char* id, const char* port,
-                            const char* dst) {
-    char c[18], i[18];
-    mac(c, client);
-    mac(i, id);
-    return logged("bridgeSetHCTableEntries", "%s, %s, %s, %s, %s", s(b), c, i, s(port), s(dst));
-}
-
-int bridgeDelHCTableEntriesByMAC(const char* b, const unsigned char* client) {
-    char c[18];
-    mac(c, client);
-    return logged("bridgeDelHCTableEntriesByMAC", "%s, %s", s(b), c);
-}
-
-int bridgeSetHcPreferred(const char* b, uint32_t ifindex) {
-    return logged("bridgeSetHcPreferred", "%s, %" PRIu32, s(b), ifindex);
-}
-int bridgeSetHcPreferredAndFlushHCTable(const char* b, uint32_t ifindex) {
-    return logged("bridgeSetHcPreferredAndFlushHCTable", "%s, %" PRIu32, s(b), ifindex);
-}
-int bridgeFlushHCTable(const char* b) { return logged("bridgeFlushHCTable", "%s", s(b)); }
-int bridgeFlushHipTable(const char* b) { return logged("bridgeFlushHipTable", "%s", s(b)); }
-int bridgeSetTcpSP(const char* b, int on) { return logged("bridgeSetTcpSP", "%s, %d", s(b), on); }
-int bridgeSetBridgeMode(const char* b, int mode) { return logged("bridgeSetBridgeMode", "%s, %d", s(b), mode); }
-int bridgeSetFollowRE(const char* b, int on) { return logged("bridgeSetFollowRE", "%s, %d", s(b), on); }
-int bridgeSetHcEnable(const char* b, int on) { return logged("bridgeSetHcEnable", "%s, %d", s(b), on); }
-int bridgeSetForwardingMode(const char* b, int mode) {
-    return logged("bridgeSetForwardingMode", "%s, %d", s(b), mode);
-}
-int bridgeSetIFCompat(const char* b, const char* ifname, int group) {
-    return logged("bridgeSetIFCompat", "%s, %s, %d", s(b), s(ifname), group);
-}
-int bridgeSetIFGroup(const char* b, const char* ifname, int group, int relay) {
-    return logged("bridgeSetIFGroup", "%s, %s, %d, %d", s(b), s(ifname), group, relay);
-}
-int bridgeSetIFTSvlan(const char* b, const char* ifname, int vlan_id, const char* primary) {
-    return logged("bridgeSetIFTSvlan", "%s, %s, %d, %s", s(b), s(ifname), vlan_id, s(primary));
-}
-int bridgeSetIFBroadcast(const char* b, const char* ifname, int allowed) {
-    return logged("bridgeSetIFBroadcast", "%s, %s, %d", s(b), s(ifname), allowed);
-}
-int bridgeSetIFClass(const char* b, const char* ifname, int if_class) {
-    return logged("bridgeSetIFClass", "%s, %s, %d", s(b), s(ifname), if_class);
-}
-int bridgeSetIFPath(const char* b, const char* ifname, int path) {
-    return logged("bridgeSetIFPath", "%s, %s, %d", s(b), s(ifname), path);
-}
-int bridgeSetIFType(const char* b, const char* ifname, int type) {
-    return logged("bridgeSetIFType", "%s, %s, %d", s(b), s(ifname), type);
-}
-int bridgeSetEventInfo(const char* b, int pid, int event_type, int protocol) {
-    return logged("bridgeSetEventInfo", "%s, %d, %d, %d", s(b), pid, event_type, protocol);
-}
-int bridgeStopAPS(const char* b) { return logged("bridgeStopAPS", "%s", s(b)); }
-int bridgeDelFdbByName(const char* b, const char* ifname) {
-    return logged("bridgeDelFdbByName", "%s, %s", s(b), s(ifname));
-}
+#define LYND_KREL_STUB(name, params, args, steers) \
+    int name params { return logged_write(lynd::krel_args{#name} args); }
+LYND_KREL_WRITES(LYND_KREL_STUB)
+#undef LYND_KREL_STUB
 
 }  // extern "C"

@@ -5,13 +5,14 @@
 #include <cstring>
 #include <new>
 
-#include "node/host_stats.h"
 #include "bridge/hybrid_tables.h"
 #include "bridge/port_inventory.h"
 #include "core/log.h"
+#include "core/mac.h"
 #include "event/event_dispatch.h"
 #include "modules/loop_avoidance/bcast_port.h"
 #include "modules/loop_avoidance/bridge_config.h"
+#include "node/host_stats.h"
 #include "platform/seams.h"
 #include "wlan/wlan.h"
 
@@ -180,7 +181,7 @@ void loop_avoidance_flush_tables(lynd_config* conf) {
 void loop_avoidance_event_fdb_update(lynd_config* conf, const uint8_t* entry) {
     loop_avoidance_delete_wds_entry(conf, entry);
     const uint8_t* m = entry;
-    LYND_DEBUG("flush fc flow by mac: %02X:%02X:%02X:%02X:%02X:%02X", m[0], m[1], m[2], m[3], m[4], m[5]);
+    LYND_DEBUG("flush fc flow by mac: %s", lynd_mac(m, ':', true).s);
     (void)lynd_flush_fc_flow_by_mac(entry);
 }
 

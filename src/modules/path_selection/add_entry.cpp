@@ -1,6 +1,7 @@
 #include "modules/path_selection/add_entry.h"
 
 #include "core/log.h"
+#include "core/mac.h"
 #include "modules/path_selection/hc_records.h"
 #include "modules/path_selection/ts_destination.h"
 #include "wlan/wlan.h"
@@ -27,8 +28,8 @@ void path_selection_event_add_entry_hc(const hc_entry* entry) {
     lynd_config* conf = g_ps_conf;
     hc_entry e = *entry;
     const uint8_t* m = e.mac;
-    LYND_INFO("Recv add hc table notify, mac[%02x:%02x:%02x:%02x:%02x:%02x], src[%d], dst[%d]", m[0], m[1], m[2], m[3],
-              m[4], m[5], static_cast<int>(e.src_port), static_cast<int>(e.dst_port));
+    LYND_INFO("Recv add hc table notify, mac[%s], src[%d], dst[%d]", lynd_mac(m).s, static_cast<int>(e.src_port),
+              static_cast<int>(e.dst_port));
     uint32_t dst_type = wlan_get_type_by_ifindex(e.dst_port);
     if (dst_type >= IF_TYPE_MAX) {
         LYND_ERR("can not find dst_port[%d] type", static_cast<int>(e.dst_port));

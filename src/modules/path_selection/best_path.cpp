@@ -1,12 +1,13 @@
 #include "modules/path_selection/best_path.h"
 
-#include "node/host_stats.h"
 #include "core/decision_ring.h"
 #include "core/log.h"
+#include "core/mac.h"
 #include "modules/path_selection/client_rules.h"
 #include "modules/path_selection/explain_records.h"
 #include "modules/path_selection/path_insight.h"
 #include "modules/path_selection/sampling.h"
+#include "node/host_stats.h"
 
 namespace {
 
@@ -39,8 +40,7 @@ void rate_path(const hc_client& c, const hc_path& x, uint8_t here, uint64_t sq, 
                                                             x.rate, bq, q});
     if (wireless) {
         const uint8_t* m = c.hc.mac;
-        LYND_LOG_AS(kFn, "wlan client[%02x:%02x:%02x:%02x:%02x:%02x] sta_type[%d] path_type[%d]", m[0], m[1], m[2],
-                    m[3], m[4], m[5], c.sta_type, x.type);
+        LYND_LOG_AS(kFn, "wlan client[%s] sta_type[%d] path_type[%d]", lynd_mac(m).s, c.sta_type, x.type);
         LYND_LOG_AS(kFn, "quality: backhaul=%lld sta=%lld path=%lld", static_cast<long long>(bq),
                     static_cast<long long>(sq), static_cast<long long>(q));
     }
@@ -101,8 +101,8 @@ uint8_t choose(hc_client* c, const hc_path& here, hc_path* paths, uint8_t thresh
     damp(&ch, here, paths, threshold, e);
     e.best = ch.path;
     const uint8_t* m = c->hc.mac;
-    LYND_LOG_AS(kFn, "client[%02x:%02x:%02x:%02x:%02x:%02x] best path:%s, quality:%lld", m[0], m[1], m[2], m[3], m[4],
-                m[5], ch.path < PATH_NONE ? paths[ch.path].name : "", static_cast<long long>(ch.q));
+    LYND_LOG_AS(kFn, "client[%s] best path:%s, quality:%lld", lynd_mac(m).s,
+                ch.path < PATH_NONE ? paths[ch.path].name : "", static_cast<long long>(ch.q));
     return ch.path;
 }
 

@@ -5,6 +5,7 @@
 #include "bridge/hybrid_tables.h"
 #include "config/ts_vlan.h"
 #include "core/log.h"
+#include "core/mac.h"
 #include "core/vlan_name.h"
 #include "modules/path_selection/client_log.h"
 #include "modules/path_selection/client_rules.h"
@@ -51,8 +52,8 @@ bool may_move(hc_client* c, const hc_path& p, int has_clients_on_busy_path, uint
     c->busy_count = 0;
     if (c->flags & HC_FLAG_ASSOC_NEWLY) {
         const uint8_t* m = c->hc.mac;
-        LYND_LOG_AS(kFn, "hc[%02x:%02x:%02x:%02x:%02x:%02x] is assoc newly, change path %s to %s", m[0], m[1], m[2],
-                    m[3], m[4], m[5], p.name, hc_paths[c->best_path].name);
+        LYND_LOG_AS(kFn, "hc[%s] is assoc newly, change path %s to %s", lynd_mac(m).s, p.name,
+                    hc_paths[c->best_path].name);
         e.assoc_newly = true;
         return true;
     }
@@ -95,8 +96,8 @@ void consider(lynd_config* conf, hc_client* c, hc_path* p, int has_busy, int han
     uint32_t rate = path_selection_client_rate(c->hc.bytes, time_ms);
     uint32_t quota = bp->rate != 0 ? rate * 10000u / bp->rate : 0;
     const uint8_t* m = c->hc.mac;
-    LYND_LOG_AS(kFn, "cur hc(%02x-%02x-%02x-%02x-%02x-%02x) quota: %d rate(Mbps) %u time(ms) %lld", m[0], m[1], m[2],
-                m[3], m[4], m[5], static_cast<int>(quota), rate, static_cast<long long>(time_ms));
+    LYND_LOG_AS(kFn, "cur hc(%s) quota: %d rate(Mbps) %u time(ms) %lld", lynd_mac(m, '-').s, static_cast<int>(quota),
+                rate, static_cast<long long>(time_ms));
     e.quota = quota;
     e.rate_mbps = rate;
     e.outcome = OUTCOME_TOO_HEAVY;
@@ -126,10 +127,23 @@ void source_name(const hc_client* c, char* out) {
         out[0] = '\0';
 }
 
+// What every move does, the periodic one and the evacuation alike: the
+// bridge sends the client's traffic from src to dst, the client joins
+// to's list, the move is logged, and its flows start over on the new path.
+void move_client(conf_bridge* bridge, hc_client* c, const char* src, const char* dst, hc_path* to, uint8_t from_type,
+                 uint8_t reason, const char* fn) {
+    (void)lynd_set_hc_entry(bridge->name, c->hc.mac, c->hc.id, src, dst);
+    hc_client_unlink_path(c);
+    lynd_list_add_tail(&c->path_node, &to->clients);
+    client_log_move(*c, from_type, to->type, reason);
+    hc_list_dump(&to->clients, fn, __LINE__);
+    (void)lynd_flush_fc_flow_by_mac(c->hc.mac);
+}
+
 void move(lynd_config* conf, conf_bridge* bridge, const Candidate& cand, const hc_path& from) {
     hc_client* c = cand.client;
     const uint8_t* m = c->hc.mac;
-    LYND_INFO_AS(kFn, "set hc(%02x-%02x-%02x-%02x-%02x-%02x) to %s", m[0], m[1], m[2], m[3], m[4], m[5], cand.bp->name);
+    LYND_INFO_AS(kFn, "set hc(%s) to %s", lynd_mac(m, '-').s, cand.bp->name);
     char src[LYND_NAME_LEN], dst[LYND_NAME_LEN];
     source_name(c, src);
     path_selection_ts_dst_name(conf, cand.bp->name, src, dst);
@@ -140,17 +154,13 @@ void move(lynd_config* conf, conf_bridge* bridge, const Candidate& cand, const h
                      home);
     }
     LYND_INFO_AS(kFn, "best_path_name:%s", dst);
-    (void)lynd_set_hc_entry(bridge->name, c->hc.mac, c->hc.id, src, dst);
-    client_log_move(*c, from.type, cand.bp->type, move_reason_of(*c, from));
+    uint8_t reason = move_reason_of(*c, from);
     explain_of(c).outcome = OUTCOME_MOVED;
     cand.bp->quota = static_cast<int16_t>(cand.bp->quota - static_cast<int16_t>(cand.quota));
-    hc_client_unlink_path(c);
-    lynd_list_add_tail(&c->path_node, &cand.bp->clients);
     c->busy_count = 0;
     c->idle_count = 0;
     c->flags &= static_cast<uint8_t>(~HC_FLAG_ASSOC_NEWLY);
-    hc_list_dump(&cand.bp->clients, kFn, __LINE__);
-    (void)lynd_flush_fc_flow_by_mac(c->hc.mac);
+    move_client(bridge, c, src, dst, cand.bp, from.type, reason, kFn);
 }
 
 }  // namespace
@@ -202,7 +212,7 @@ void path_selection_pre_update_uplink_path_for_hc_v2(conf_bridge* bridge, hc_pat
             if (client_excluded(*c))
                 continue;
             const uint8_t* m = c->hc.mac;
-            LYND_INFO("set hc(%02x:%02x:%02x:%02x:%02x:%02x) to %s", m[0], m[1], m[2], m[3], m[4], m[5], best->name);
+            LYND_INFO("set hc(%s) to %s", lynd_mac(m).s, best->name);
             char src[LYND_NAME_LEN], dst[LYND_NAME_LEN];
             if (!lynd::host().if_indextoname(c->hc.src_port, src)) {
                 LYND_ERR("if_indextoname(hc->src_port:%d, ifname:%s) == NULL!", static_cast<int>(c->hc.src_port), "");
@@ -215,12 +225,7 @@ void path_selection_pre_update_uplink_path_for_hc_v2(conf_bridge* bridge, hc_pat
                 LYND_INFO("src_ifname:%s, dst_ifname:%s, home_name:%s, vlan_id:%d", src, dst, home,
                           static_cast<int>(lynd_get_ts_vlan(conf, src)));
             }
-            (void)lynd_set_hc_entry(bridge->name, c->hc.mac, c->hc.id, src, dst);
-            hc_client_unlink_path(c);
-            lynd_list_add_tail(&c->path_node, &best->clients);
-            client_log_move(*c, static_cast<uint8_t>(t), best->type, MOVE_PATH_UNLINKED);
-            hc_list_dump(&best->clients, __func__, __LINE__);
-            (void)lynd_flush_fc_flow_by_mac(c->hc.mac);
+            move_client(bridge, c, src, dst, best, static_cast<uint8_t>(t), MOVE_PATH_UNLINKED, __func__);
         }
     }
 }

@@ -4,6 +4,7 @@
 
 #include "bridge/hybrid_tables.h"
 #include "core/log.h"
+#include "core/mac.h"
 #include "modules/path_selection/mac_index.h"
 #include "platform/krel_api.h"
 #include "platform/seams.h"
@@ -96,8 +97,8 @@ bool take_entry(conf_bridge* bridge, hc_path* paths, const hc_entry& e) {
     const uint8_t* m = e.mac;
     if (std::memcmp(e.mac, e.id, 6) != 0 && !in_fdb(e.mac)) {
         (void)lynd_delete_hc_entry(bridge->name, e.mac);
-        LYND_LOG_AS(kFn, "delete hc_entry(%02x:%02x:%02x:%02x:%02x:%02x) sport(%d) dport(%d)", m[0], m[1], m[2], m[3],
-                    m[4], m[5], static_cast<int>(e.src_port), static_cast<int>(e.dst_port));
+        LYND_LOG_AS(kFn, "delete hc_entry(%s) sport(%d) dport(%d)", lynd_mac(m).s, static_cast<int>(e.src_port),
+                    static_cast<int>(e.dst_port));
         return false;
     }
     uint32_t dst_type = wlan_get_type_by_ifindex(e.dst_port);
@@ -123,9 +124,9 @@ bool take_entry(conf_bridge* bridge, hc_path* paths, const hc_entry& e) {
     c->hc = e;
     c->magic = kGeneration;
     file_client(paths, c, dst_type);
-    LYND_DEBUG_AS(kFn, "hc item: client(%02x:%02x:%02x:%02x:%02x:%02x) sport(%d) dport(%d) packets(%lld) bytes(%lld)",
-                  m[0], m[1], m[2], m[3], m[4], m[5], static_cast<int>(e.src_port), static_cast<int>(e.dst_port),
-                  static_cast<long long>(e.pkts), static_cast<long long>(e.bytes));
+    LYND_DEBUG_AS(kFn, "hc item: client(%s) sport(%d) dport(%d) packets(%lld) bytes(%lld)", lynd_mac(m).s,
+                  static_cast<int>(e.src_port), static_cast<int>(e.dst_port), static_cast<long long>(e.pkts),
+                  static_cast<long long>(e.bytes));
     return true;
 }
 

@@ -4,6 +4,7 @@
 
 #include "config/config.h"
 #include "core/log.h"
+#include "core/mac.h"
 #include "core/state_file.h"
 #include "modules/path_selection/paths_info_json.h"
 #include "platform/seams.h"
@@ -27,9 +28,9 @@ void print_client(const hc_client& c, const hc_path& p) {
     if (!lynd::host().if_indextoname(c.hc.src_port, src))
         src[0] = '\0';
     const uint8_t* m = c.hc.mac;
-    lynd_printf("%02x:%02x:%02x:%02x:%02x:%02x    [%02d]%-12s[%02d]%-12s%-11lld%lld", m[0], m[1], m[2], m[3], m[4],
-                m[5], static_cast<int>(c.hc.src_port), src, static_cast<int>(index_of(p.name)), p.name,
-                static_cast<long long>(c.hc.bytes), static_cast<long long>(c.hc.pkts));
+    lynd_printf("%s    [%02d]%-12s[%02d]%-12s%-11lld%lld", lynd_mac(m).s, static_cast<int>(c.hc.src_port), src,
+                static_cast<int>(index_of(p.name)), p.name, static_cast<long long>(c.hc.bytes),
+                static_cast<long long>(c.hc.pkts));
     print_ips(c.hc);
 }
 

@@ -4,6 +4,7 @@
 #include "core/counters.h"
 #include "core/decision_ring.h"
 #include "core/log.h"
+#include "core/mac.h"
 #include "modules/path_selection/client_log.h"
 #include "modules/path_selection/explain_records.h"
 
@@ -79,9 +80,8 @@ guard_verdict flap_guard_check(const conf_flap_guard& g, const hc_client& c, uin
 
 void flap_guard_held(const hc_client& c, uint8_t from, uint8_t to, const guard_verdict& v, int64_t now_ms) {
     const uint8_t* m = c.hc.mac;
-    LYND_INFO("hold hc(%02x:%02x:%02x:%02x:%02x:%02x) on %s: flap guard, %s, %lld s left", m[0], m[1], m[2], m[3],
-              m[4], m[5], slot_name(from), guard_rule_texts[v.rule < 4 ? v.rule : 0],
-              static_cast<long long>((v.left_ms + 999) / 1000));
+    LYND_INFO("hold hc(%s) on %s: flap guard, %s, %lld s left", lynd_mac(m).s, slot_name(from),
+              guard_rule_texts[v.rule < 4 ? v.rule : 0], static_cast<long long>((v.left_ms + 999) / 1000));
     client_log_entry* e = client_log_find_mut(c.hc.mac);
     if (e == nullptr || (e->held_rule == v.rule && now_ms < e->held_until_ms))
         return;

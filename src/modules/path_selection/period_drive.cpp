@@ -5,6 +5,7 @@
 #include "bridge/hybrid_tables.h"
 #include "bridge/port_inventory.h"
 #include "core/log.h"
+#include "core/mac.h"
 #include "core/queries.h"
 #include "modules/path_selection/client_sync.h"
 #include "modules/path_selection/path_state.h"
@@ -42,7 +43,7 @@ void log_clients(const client_entry* clients, int n) {
     LYND_DEBUG_AS(kFn, "client_list num=%d", n);
     for (int i = 0; i < n; i++) {
         const uint8_t* m = clients[i].mac;
-        LYND_DEBUG_AS(kFn, "  [%d]%02x:%02x:%02x:%02x:%02x:%02x", i, m[0], m[1], m[2], m[3], m[4], m[5]);
+        LYND_DEBUG_AS(kFn, "  [%d]%s", i, lynd_mac(m).s);
     }
 }
 

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "core/log.h"
+#include "core/mac.h"
 #include "core/sort.h"
 #include "core/vlan_name.h"
 #include "wlan/wlan.h"
@@ -40,8 +41,7 @@ void sample_wds_station(ap_iface* ap, const char* name, const wlan_link_info& l)
             continue;
         const uint8_t* m = c->hc.mac;
         const uint8_t* w = l.mac;
-        LYND_LOG_AS(kFn, "find client[%02x:%02x:%02x:%02x:%02x:%02x] for wdsmac[%02x:%02x:%02x:%02x:%02x:%02x]", m[0],
-                    m[1], m[2], m[3], m[4], m[5], w[0], w[1], w[2], w[3], w[4], w[5]);
+        LYND_LOG_AS(kFn, "find client[%s] for wdsmac[%s]", lynd_mac(m).s, lynd_mac(w).s);
         station_sample(c, l);
     }
 }
@@ -60,11 +60,11 @@ void sample_station(hc_path* paths, uint32_t path_type, const ap_iface& ap, cons
         return;
     const uint8_t* m = c->hc.mac;
     if (c->sta_type != path_type)
-        LYND_WARN_AS(kFn, "client[%02x:%02x:%02x:%02x:%02x:%02x] mybe move, path_type[%d]->[%d]", m[0], m[1], m[2],
-                     m[3], m[4], m[5], c->sta_type, static_cast<int>(path_type));
+        LYND_WARN_AS(kFn, "client[%s] mybe move, path_type[%d]->[%d]", lynd_mac(m).s, c->sta_type,
+                     static_cast<int>(path_type));
     if (c->hc.src_port != ap.ifindex)
-        LYND_WARN_AS(kFn, "client[%02x:%02x:%02x:%02x:%02x:%02x] mybe move, src_port[%d]->[%d]", m[0], m[1], m[2], m[3],
-                     m[4], m[5], static_cast<int>(c->hc.src_port), static_cast<int>(ap.ifindex));
+        LYND_WARN_AS(kFn, "client[%s] mybe move, src_port[%d]->[%d]", lynd_mac(m).s, static_cast<int>(c->hc.src_port),
+                     static_cast<int>(ap.ifindex));
     station_sample(c, l);
 }
 

@@ -5,6 +5,7 @@
 #include "bridge/hybrid_tables.h"
 #include "config/ts_vlan.h"
 #include "core/log.h"
+#include "core/mac.h"
 #include "core/vlan_name.h"
 #include "modules/path_selection/client_rules.h"
 #include "platform/seams.h"
@@ -75,8 +76,7 @@ void path_selection_ts_vlan_hc_update(lynd_config* conf, conf_bridge* bridge, hc
     if (index == 0 || index == hc->dst_port)
         return;
     const uint8_t* m = hc->mac;
-    LYND_INFO("update hc(%02x-%02x-%02x-%02x-%02x-%02x) dst from %s to %s", m[0], m[1], m[2], m[3], m[4], m[5], dst,
-              name);
+    LYND_INFO("update hc(%s) dst from %s to %s", lynd_mac(m, '-').s, dst, name);
     (void)lynd_set_hc_entry(bridge->name, hc->mac, hc->id, src, name);
     hc->dst_port = index;
 }

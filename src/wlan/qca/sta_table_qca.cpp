@@ -1,5 +1,6 @@
 // The station-table request and the peer queries built on it.
 #include "core/log.h"
+#include "core/mac.h"
 #include "wlan/qca/link_stats_qca.h"
 #include "wlan/qca/qca_request.h"
 #include "wlan/qca/sta_table_parse.h"
@@ -36,10 +37,10 @@ void log_links(const char* fn, const char* ifname, const wlan_link_info* links, 
     for (size_t i = 0; i < count; i++) {
         const wlan_link_info& l = links[i];
         LYND_DEBUG_AS(fn,
-                      "uplink info %s:%02x:%02x:%02x:%02x:%02x:%02x txrate:%d, rxrate:%d, idle:%d, rssi:%d, noise:%d, "
+                      "uplink info %s:%s txrate:%d, rxrate:%d, idle:%d, "
+                      "rssi:%d, noise:%d, "
                       "snr:%d",
-                      ifname, l.mac[0], l.mac[1], l.mac[2], l.mac[3], l.mac[4], l.mac[5], l.txrate, l.rxrate, l.idle,
-                      l.rssi, l.noise, l.snr);
+                      ifname, lynd_mac(l.mac).s, l.txrate, l.rxrate, l.idle, l.rssi, l.noise, l.snr);
     }
 }
 
