@@ -101,6 +101,7 @@ TEST_F(PeriodRunTest, TheBroadcastPortLeaves24GOnlyForABestPathElsewhere) {
         conf.bridges[0].bcast_type = k.bcast_type;
         drive();
         EXPECT_EQ(k.moved, host.logged("] set bcast port:ath12"));
+        EXPECT_EQ(k.moved, host.logged("] update bcask port:ath12"));  // loop avoidance was asked
         EXPECT_FALSE(host.logged("] set bcast port:ath02"));
     }
 }
@@ -163,6 +164,17 @@ TEST_F(PeriodDriveTest, KeepAliveFramesGoOutBeforeTheSyncFilesTheClients) {
     path_selection_while_hc_enabled(&conf.bridges[0]);
     EXPECT_FALSE(host.logged("] No sta in path ath12"));
     EXPECT_TRUE(host.logged("] No sta in path ath02"));
+}
+
+TEST_F(PeriodDriveTest, OnAControllerThePeriodRunDoesNothing) {
+    uci.set("sysmode.sysmode.mode", "router");
+    uci.set("meshd.meshd.role", "controller");
+    conf.bridges[0].flags |= BR_FLAG_PATH_SELECTION;
+    path_selection_timer_period_hc(&conf);
+    EXPECT_TRUE(bridge.calls().empty());
+    uci.set("meshd.meshd.role", "agent");
+    path_selection_timer_period_hc(&conf);
+    EXPECT_FALSE(bridge.calls().empty());
 }
 
 TEST_F(PeriodDriveTest, AFailedSyncLeavesTheRunToGoOnWithTheRecordsItHas) {
