@@ -170,8 +170,10 @@ TEST_F(PeriodDriveTest, OnAControllerThePeriodRunDoesNothing) {
     uci.set("sysmode.sysmode.mode", "router");
     uci.set("meshd.meshd.role", "controller");
     conf.bridges[0].flags |= BR_FLAG_PATH_SELECTION;
+    g_lynd_dgb_lvl = LYND_LVL_DEBUG;
     path_selection_timer_period_hc(&conf);
     EXPECT_TRUE(bridge.calls().empty());
+    EXPECT_TRUE(host.logged("[path_selection_timer_period_hc, "));  // it says it started all the same
     uci.set("meshd.meshd.role", "agent");
     path_selection_timer_period_hc(&conf);
     EXPECT_FALSE(bridge.calls().empty());
