@@ -113,6 +113,10 @@ TEST_F(PsViewsTest, TrafficSeparationSendsAClientToItsOwnVlan) {
     path_selection_check_dst_vlan_hc_table(&conf, &conf.bridges[0], hc_paths);
     EXPECT_EQ(41u, plain->hc.dst_port);
     EXPECT_EQ(1u, bridge.count_calls("bridgeSetHCTableEntries"));  // already right: nothing written
+    hc_client* lost = client(3, IF_TYPE_2G, 40);  // its VLAN has no interface on 2.4G: left as it is
+    path_selection_check_dst_vlan_hc_table(&conf, &conf.bridges[0], hc_paths);
+    EXPECT_EQ(2u, lost->hc.dst_port);
+    EXPECT_EQ(1u, bridge.count_calls("bridgeSetHCTableEntries"));
     char dst[LYND_NAME_LEN];
     path_selection_ts_dst_name(&conf, "ath02", "ath1.20", dst);
     EXPECT_STREQ("ath02.20", dst);
