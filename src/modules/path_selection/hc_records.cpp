@@ -5,11 +5,6 @@
 
 #include "core/counters.h"
 #include "core/log.h"
-#include "modules/path_selection/client_log.h"
-#include "modules/path_selection/explain_records.h"
-#include "modules/path_selection/path_insight.h"
-#include "modules/path_selection/preferred_guard.h"
-#include "modules/path_selection/ps_funcs.h"
 
 const char* const path_state_names[7] = {"UNINITED",          "UNLINK",   "NORMAL", "WEAKLINK",
                                          "WEAKLINK+ABNORMAL", "ABNORMAL", ""};
@@ -22,24 +17,6 @@ int64_t g_timer_interval;
 uint8_t g_dbg_overload_mask;
 debug_path_info g_dbg_path_info[IF_TYPE_MAX];
 uint32_t g_hc_rand_state = 1;
-
-void path_selection_state_reset() {
-    for (auto& p : hc_paths)
-        p = hc_path{};
-    hc_pool_clear();
-    g_hc_magic = 0;
-    g_ps_conf = nullptr;
-    g_timer_interval = 0;
-    g_dbg_overload_mask = 0;
-    for (auto& d : g_dbg_path_info)
-        d = debug_path_info{};
-    g_hc_rand_state = 1;
-    ps_funcs_ops = nullptr;
-    path_insight_reset();
-    client_log_reset();
-    explain_reset();
-    preferred_guard_reset();
-}
 
 hc_client* hc_client_of_path_node(lynd_list* l) {
     return static_cast<hc_client*>(lynd_container_of(l, offsetof(hc_client, path_node)));
