@@ -1,6 +1,6 @@
 #include "sim/sweep/sweep_generate.h"
 
-#include "sim/sweep/sweep_json.h"
+#include "sim/scenario/json_reader.h"
 
 #include <cstdio>
 #include <string>
@@ -246,13 +246,13 @@ json_object* draw_rules(SweepRng& r, const SweepNode& node) {
 }
 
 void clip_array(json_object* parent, const char* key, int64_t end) {
-    json_object* a = sweep_member(parent, key);
+    json_object* a = json_member(parent, key);
     if (a == nullptr)
         return;
     json_object* kept = json_object_new_array();
     for (size_t i = 0; i < json_object_array_length(a); i++) {
         json_object* e = json_object_array_get_idx(a, i);
-        if (json_object_get_int64(sweep_member(e, "at")) <= end)
+        if (json_object_get_int64(json_member(e, "at")) <= end)
             json_object_array_add(kept, json_object_get(e));
     }
     json_object_object_add(parent, key, kept);
@@ -262,13 +262,13 @@ void clip_array(json_object* parent, const char* key, int64_t end) {
 
 // Clients joining after the end are left out, and leaving after it stay.
 void clip_clients(json_object* doc, int64_t end) {
-    json_object* a = sweep_member(doc, "clients");
+    json_object* a = json_member(doc, "clients");
     json_object* kept = json_object_new_array();
     for (size_t i = 0; a != nullptr && i < json_object_array_length(a); i++) {
         json_object* c = json_object_array_get_idx(a, i);
-        if (json_object_get_int64(sweep_member(c, "join")) > end)
+        if (json_object_get_int64(json_member(c, "join")) > end)
             continue;
-        if (json_object_get_int64(sweep_member(c, "leave")) > end)
+        if (json_object_get_int64(json_member(c, "leave")) > end)
             json_object_object_del(c, "leave");
         json_object_array_add(kept, json_object_get(c));
     }
@@ -276,9 +276,9 @@ void clip_clients(json_object* doc, int64_t end) {
 }
 
 void sweep_clip(json_object* doc) {
-    int64_t end = json_object_get_int64(sweep_member(doc, "duration"));
+    int64_t end = json_object_get_int64(json_member(doc, "duration"));
     clip_array(doc, "timeline", end);
-    clip_array(sweep_member(doc, "node"), "cpu", end);
+    clip_array(json_member(doc, "node"), "cpu", end);
     clip_clients(doc, end);
 }
 

@@ -107,10 +107,8 @@ void SweepObserver::read_bridge(PeriodView* v) {
 void SweepObserver::read_entries(const SimBridgeState& b, PeriodView* v) {
     for (const auto& e : b.hc) {
         char port[IFNAME_LEN] = {};
-        char mac[18] = {};
-        lynd_mac_text(e.mac, mac);
         (void)node_->host().if_indextoname(e.dst_port, port);
-        v->hc.push_back(SweepEntry{mac, port});
+        v->hc.push_back(SweepEntry{lynd_mac(e.mac).s, port});
     }
 }
 
