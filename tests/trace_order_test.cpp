@@ -225,6 +225,22 @@ TEST(TraceOrder, LyingLengthsStayInsideAndComeBack) {
     }
 }
 
+// A layout whose fields overlap, or reach past a record's fixed part, could
+// not be turned back: a back-end's table with one is refused at build time.
+TEST(TraceOrder, UnsoundLayoutsAreRefused) {
+    const lynd::ByteField overlap[] = {{4, 4}, {6, 2}};
+    const lynd::ByteField on_length[] = {{1, 2}};
+    const lynd::ByteField past_fixed[] = {{14, 4}};
+    const lynd::ByteField odd[] = {{4, 3}};
+    const lynd::ByteLayout bad[] = {
+        {overlap, 2, 0, 0, nullptr, 0},    {on_length, 1, 16, 0, nullptr, 0}, {past_fixed, 1, 16, 0, nullptr, 0},
+        {odd, 1, 0, 0, nullptr, 0},        {nullptr, 0, 16, 15, nullptr, 0},
+    };
+    for (const auto& l : bad)
+        EXPECT_FALSE(lynd::byte_layout_sound(l)) << &l - bad;
+    EXPECT_TRUE(lynd::byte_layout_sound({past_fixed, 1, 0, 0, nullptr, 0}));  // a block has no fixed part
+}
+
 TEST(TraceOrder, SocketsKeepTheirFamily) {
     lynd::NlFamilies f;
     EXPECT_EQ(TraceBytes::OPAQUE, f.of(5));
