@@ -9,6 +9,7 @@
 #include "bridge/table_entries.h"
 #include "core/event_records.h"
 #include "event/netlink_datagram.h"
+#include "platform/driver_requests.h"
 #include "trace/trace_kinds.h"
 #include "trace/trace_line.h"
 

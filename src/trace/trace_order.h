@@ -6,11 +6,10 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/driver_requests.h"
-
 namespace lynd {
 
 class TraceLine;
+struct ByteLayout;
 
 enum class TraceBytes {
     BRIDGE_DGRAM,  // the bridge's netlink datagrams
