@@ -151,16 +151,19 @@ void move_client(conf_bridge* bridge, hc_client* c, const char* src, const char*
     (void)lynd_flush_fc_flow_by_mac(c->hc.mac);
 }
 
-void move(lynd_config* conf, conf_bridge* bridge, const Candidate& cand, const hc_path& from) {
+// The bridge sends the client by the node's best path, while its record
+// joins its own best's list; a pinned client goes where it is pinned.
+void move(lynd_config* conf, conf_bridge* bridge, const Candidate& cand, const hc_path& from, const hc_path& best) {
     hc_client* c = cand.client;
     const uint8_t* m = c->hc.mac;
     LYND_INFO_AS(kFn, "set hc(%s) to %s", lynd_mac(m, '-').s, cand.bp->name);
+    const char* base = client_pinned_slot(*c) != PATH_NONE ? cand.bp->name : best.name;
     char src[LYND_NAME_LEN], dst[LYND_NAME_LEN];
     source_name(c, src);
-    path_selection_ts_dst_name(conf, cand.bp->name, src, dst);
+    path_selection_ts_dst_name(conf, base, src, dst);
     if (conf->ts.enable) {
         char home[LYND_NAME_LEN];
-        (void)lynd_get_home_name(home, cand.bp->name);
+        (void)lynd_get_home_name(home, base);
         LYND_INFO_AS(kFn, "adjust_hc->src_port:%d, src_ifname:%s, home_name:%s", static_cast<int>(c->hc.src_port), src,
                      home);
     }
@@ -200,7 +203,7 @@ void path_selection_update_uplink_hc_table_v2(lynd_config* conf, conf_bridge* br
             consider(conf, hc_client_of_path_node(n), p, has_clients_on_busy_path, handle, time_ms, &cand);
         LYND_DEBUG("handle_count:%d", handle);
         if (handle > 0 && cand.client != nullptr) {
-            move(conf, bridge, cand, *p);
+            move(conf, bridge, cand, *p, *best);
             handle--;
         }
     }
