@@ -8,6 +8,7 @@
 #include "sim/node/sim_loop.h"
 #include "sim/node/sim_uci.h"
 #include "sim/node/wlan_platform_sim.h"
+#include "wlan/qca/qca_layouts.h"
 
 struct SimSeams {
     lynd::SimLoop loop;
@@ -19,6 +20,6 @@ struct SimSeams {
     SimSeams() {
         host.set_clock(&loop);
         host.set_driver(&wlan);
-        lynd::install_seams({&loop, &host, &uci, &bridge, &bus});
+        lynd::install_seams({&loop, &host, &uci, &bridge, &bus, &qca_driver_requests});
     }
 };

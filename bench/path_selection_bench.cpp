@@ -61,7 +61,7 @@ struct PsNode {
     lynd_config conf{};
 
     explicit PsNode(bool guarded = false) {
-        lynd::install_seams({&sim.loop, &host, &uci, &bridge, &sim.bus});
+        lynd::install_seams({&sim.loop, &host, &uci, &bridge, &sim.bus, &qca_driver_requests});
         g_lynd_dgb_lvl = LYND_LVL_ERR;
         sim.uci.set("sysmode.sysmode.mode", "repeater");
         const std::pair<const char*, unsigned> ifs[] = {{"br-lan", 2}, {"eth1", 3}, {"ath02", 11}, {"ath12", 12},

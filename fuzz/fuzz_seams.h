@@ -7,6 +7,7 @@
 #include "sim/node/sim_host.h"
 #include "sim/node/sim_loop.h"
 #include "sim/node/sim_uci.h"
+#include "wlan/qca/qca_layouts.h"
 
 struct FuzzSeams {
     lynd::SimLoop loop;
@@ -15,7 +16,7 @@ struct FuzzSeams {
     lynd::SimBridge bridge;
     lynd::SimBus bus;
     FuzzSeams() {
-        lynd::install_seams({&loop, &host, &uci, &bridge, &bus});
+        lynd::install_seams({&loop, &host, &uci, &bridge, &bus, &qca_driver_requests});
         g_lynd_dgb_lvl = LYND_LVL_TRACE;  // every log line's format runs too
     }
 };

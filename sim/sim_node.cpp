@@ -12,6 +12,7 @@
 #include "sim/node/netlink_craft.h"
 #include "sim/scenario/scenario_radios.h"
 #include "trace/trace_recorder.h"
+#include "wlan/qca/qca_layouts.h"
 #include "wlan/qca/wlan_platform_qca.h"
 
 namespace lynd {
@@ -29,7 +30,7 @@ SimNode::SimNode(const Scenario& sc) : sc_(sc) {
     host_.set_driver(&wlan_);
     bridge_.set_host(&host_);
     build_node();
-    install_seams({&loop_, &host_, &uci_, &bridge_, &bus_});
+    install_seams({&loop_, &host_, &uci_, &bridge_, &bus_, &qca_driver_requests});
     // The QCA back-end itself: the simulated radios answer its requests.
     wlan_platform_ops = &wlan_platform_qca;
     loop_.set_stop_time(sc.duration_s * 1000);

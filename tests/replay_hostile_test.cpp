@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "file_text.h"
+#include "platform/seams.h"
 #include "replay_child.h"
 #include "sim/desk/replay_host.h"
 #include "sim/desk/replay_krel.h"
@@ -21,6 +22,7 @@
 #include "trace/host_requests.h"
 #include "trace/trace_recorder.h"
 #include "wlan/qca/qca_ioctl.h"
+#include "wlan/qca/qca_layouts.h"
 
 namespace {
 
@@ -94,7 +96,11 @@ std::vector<LengthCase> length_cases() {
              std::strcpy(req.name, "ath1");
              req.u.data.pointer = buf;
              req.u.data.length = 64;
+             lynd::Seams s = lynd::installed_seams();
+             s.driver = &qca_driver_requests;
+             const lynd::Seams before = lynd::install_seams(s);
              (void)lynd::ReplayHost(&t).dev_ioctl(5, QCA_IOCTL_STA_TABLE, &req);
+             (void)lynd::install_seams(before);
              return static_cast<long>(req.u.data.length);
          }},
         {"an fdb table of 100000 entries, 2 recorded",

@@ -12,6 +12,7 @@
 #include "core/wire.h"
 #include "event/netlink_datagram.h"
 #include "wlan/qca/qca_ioctl.h"
+#include "wlan/qca/qca_layouts.h"
 #include "wlan/qca/sta_table_parse.h"
 
 namespace {
@@ -44,13 +45,21 @@ struct Image {
     }
 };
 
-Bytes swapped(TraceBytes kind, Bytes b, bool from_big) {
+// The layout the QCA back-end gives the bytes of request.
+const lynd::ByteLayout* qca_layout(unsigned long request) {
+    return lynd::find_driver_request(&qca_driver_requests, request)->layout;
+}
+
+// Order: a kind of bytes, or a back-end's layout.
+template <typename Order>
+Bytes swapped(Order kind, Bytes b, bool from_big) {
     lynd::trace_swap_fields(kind, b.data(), b.size(), from_big);
     return b;
 }
 
 // Both ways: a big-endian image turns into the little-endian one and back.
-void expect_turns(TraceBytes kind, const Image& big, const Image& little) {
+template <typename Order>
+void expect_turns(Order kind, const Image& big, const Image& little) {
     ASSERT_EQ(big.b.size(), little.b.size());
     EXPECT_EQ(little.b, swapped(kind, big.b, true));
     EXPECT_EQ(big.b, swapped(kind, little.b, false));
@@ -142,7 +151,7 @@ Image port_reply(bool big) {
 TEST(TraceOrder, EachLayoutTurnsFieldByField) {
     expect_turns(TraceBytes::BRIDGE_DGRAM, bridge_datagram(true), bridge_datagram(false));
     expect_turns(TraceBytes::ROUTE_DGRAM, route_datagram(true), route_datagram(false));
-    expect_turns(TraceBytes::STA_TABLE, sta_table(true), sta_table(false));
+    expect_turns(qca_layout(QCA_IOCTL_STA_TABLE), sta_table(true), sta_table(false));
     expect_turns(TraceBytes::PORT_REPLY, port_reply(true), port_reply(false));
     Image hb{true, {}}, hl{false, {}};
     expect_turns(TraceBytes::HC_TABLE, hc_entry_at(hc_entry_at(hb, 0), HC_ENTRY_SIZE),
@@ -154,7 +163,7 @@ TEST(TraceOrder, EachLayoutTurnsFieldByField) {
     wl.put(0, QCA_CMD_WDS_DELETE, 4);
     wb.text(QCA_WDS_CMD_MAC_OFFSET, "\x02\x01\x02\x03\x04\x05", 6);
     wl.text(QCA_WDS_CMD_MAC_OFFSET, "\x02\x01\x02\x03\x04\x05", 6);
-    expect_turns(TraceBytes::WDS_CMD, wb, wl);
+    expect_turns(qca_layout(QCA_IOCTL_GENERIC), wb, wl);
 }
 
 // What a trace holds reads, on this CPU, as the daemon's own readers expect.
@@ -167,7 +176,7 @@ TEST(TraceOrder, TraceBytesReadRightAfterTurningToHost) {
                                                                            IFLA_ATTRS_OFFSET));
 
     Bytes sta = sta_table(false).b;
-    lynd::trace_bytes_to_host(TraceBytes::STA_TABLE, sta.data(), sta.size());
+    lynd::trace_bytes_to_host(qca_layout(QCA_IOCTL_STA_TABLE), sta.data(), sta.size());
     wlan_link_info links[4];
     ASSERT_EQ(2u, qca_read_sta_table(sta.data(), sta.size(), links, 4));
     EXPECT_EQ(-95, links[0].noise);
@@ -197,9 +206,9 @@ TEST(TraceOrder, LyingLengthsStayInsideAndComeBack) {
     EXPECT_EQ(0xffu, once[0]);
 
     std::mt19937 rng(7);
-    const TraceBytes kinds[] = {TraceBytes::BRIDGE_DGRAM, TraceBytes::ROUTE_DGRAM, TraceBytes::STA_TABLE,
-                                TraceBytes::WDS_CMD,      TraceBytes::HC_TABLE,    TraceBytes::FDB_TABLE,
-                                TraceBytes::PORT_REPLY};
+    const TraceBytes kinds[] = {TraceBytes::BRIDGE_DGRAM, TraceBytes::ROUTE_DGRAM, TraceBytes::HC_TABLE,
+                                TraceBytes::FDB_TABLE, TraceBytes::PORT_REPLY};
+    const lynd::ByteLayout* layouts[] = {qca_layout(QCA_IOCTL_STA_TABLE), qca_layout(QCA_IOCTL_GENERIC)};
     for (int round = 0; round < 300; round++) {
         Bytes b(rng() % 1200);
         for (auto& x : b)
@@ -209,7 +218,27 @@ TEST(TraceOrder, LyingLengthsStayInsideAndComeBack) {
             EXPECT_EQ(b, swapped(k, swapped(k, b, true), false));
             EXPECT_EQ(b, swapped(k, swapped(k, b, false), true));
         }
+        for (const lynd::ByteLayout* k : layouts) {
+            EXPECT_EQ(b, swapped(k, swapped(k, b, true), false));
+            EXPECT_EQ(b, swapped(k, swapped(k, b, false), true));
+        }
     }
+}
+
+// A layout whose fields overlap, or reach past a record's fixed part, could
+// not be turned back: a back-end's table with one is refused at build time.
+TEST(TraceOrder, UnsoundLayoutsAreRefused) {
+    const lynd::ByteField overlap[] = {{4, 4}, {6, 2}};
+    const lynd::ByteField on_length[] = {{1, 2}};
+    const lynd::ByteField past_fixed[] = {{14, 4}};
+    const lynd::ByteField odd[] = {{4, 3}};
+    const lynd::ByteLayout bad[] = {
+        {overlap, 2, 0, 0, nullptr, 0},    {on_length, 1, 16, 0, nullptr, 0}, {past_fixed, 1, 16, 0, nullptr, 0},
+        {odd, 1, 0, 0, nullptr, 0},        {nullptr, 0, 16, 15, nullptr, 0},
+    };
+    for (const auto& l : bad)
+        EXPECT_FALSE(lynd::byte_layout_sound(l)) << &l - bad;
+    EXPECT_TRUE(lynd::byte_layout_sound({past_fixed, 1, 0, 0, nullptr, 0}));  // a block has no fixed part
 }
 
 TEST(TraceOrder, SocketsKeepTheirFamily) {

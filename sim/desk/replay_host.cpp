@@ -4,9 +4,10 @@
 #include <cerrno>
 #include <cstring>
 
+#include "platform/iw_request.h"
+#include "platform/seams.h"
 #include "trace/host_requests.h"
 #include "trace/trace_order.h"
-#include "wlan/qca/qca_ioctl.h"
 
 namespace lynd {
 
@@ -33,6 +34,33 @@ std::string without_addresses(const std::string& line) {
         }
     }
     return out;
+}
+
+// The recorded answer, written where the driver wrote it.
+void answer_ioctl(const TraceRecord& r, const DriverRequest& d, iw_request* req) {
+    switch (d.out) {
+    case DriverOut::VALUE:
+        req->u.value = static_cast<int32_t>(r.num("value"));
+        break;
+    case DriverOut::MODE:
+        req->u.mode = static_cast<uint32_t>(r.num("mode"));
+        break;
+    case DriverOut::ADDRESS:
+        req->u.addr.family = static_cast<uint16_t>(r.num("family"));
+        (void)copy_out(r.bytes("addr", sizeof req->u.addr.bytes), req->u.addr.bytes, sizeof req->u.addr.bytes);
+        break;
+    case DriverOut::TABLE: {
+        // Room is what the daemon offered; the length what was copied.
+        size_t room = req->u.data.length < d.most ? req->u.data.length : d.most;
+        size_t n = copy_out(r.bytes("data", room), req->u.data.pointer, room);
+        int64_t got = r.num("got");
+        req->u.data.length = static_cast<uint16_t>(got >= 0 && static_cast<size_t>(got) < n ? got : n);
+        trace_bytes_to_host(d.layout, req->u.data.pointer, n);
+        break;
+    }
+    case DriverOut::NOTHING:
+        break;
+    }
 }
 
 }  // namespace
@@ -168,38 +196,15 @@ int ReplayHost::close_fd(int fd) {
 int ReplayHost::dgram_socket() { return static_cast<int>(rc_of(tape_->begin("dgram"), -EBADF)); }
 
 int ReplayHost::dev_ioctl(int fd, unsigned long request, void* arg) {
+    const DriverRequest* d = find_driver_request(installed_seams().driver, request);
     TraceLine& l = tape_->begin("ioctl");
-    req_ioctl(l, fd, request, arg);
+    req_ioctl(l, fd, request, arg, d);
     const TraceRecord* r = tape_->take(l);
     if (r == nullptr)
         return -EIO;
     int rc = static_cast<int>(r->num("rc", -EIO));
-    if (rc < 0)
-        return rc;
-    auto* req = static_cast<iw_request*>(arg);
-    switch (request) {
-    case QCA_IOCTL_GET_PARAM:
-        req->u.value = static_cast<int32_t>(r->num("value"));
-        break;
-    case IW_IOCTL_GET_MODE:
-        req->u.mode = static_cast<uint32_t>(r->num("mode"));
-        break;
-    case IW_IOCTL_GET_AP:
-        req->u.addr.family = static_cast<uint16_t>(r->num("family"));
-        (void)copy_out(r->bytes("addr", sizeof req->u.addr.bytes), req->u.addr.bytes, sizeof req->u.addr.bytes);
-        break;
-    case QCA_IOCTL_STA_TABLE: {
-        // Room is what the daemon offered; the length what was copied.
-        size_t room = req->u.data.length < QCA_STA_TABLE_SIZE ? req->u.data.length : QCA_STA_TABLE_SIZE;
-        size_t n = copy_out(r->bytes("data", room), req->u.data.pointer, room);
-        int64_t got = r->num("got");
-        req->u.data.length = static_cast<uint16_t>(got >= 0 && static_cast<size_t>(got) < n ? got : n);
-        trace_bytes_to_host(TraceBytes::STA_TABLE, req->u.data.pointer, n);
-        break;
-    }
-    default:
-        break;
-    }
+    if (rc >= 0 && d != nullptr)
+        answer_ioctl(*r, *d, static_cast<iw_request*>(arg));
     return rc;
 }
 

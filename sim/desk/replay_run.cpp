@@ -18,6 +18,7 @@
 #include "sim/desk/trace_chain.h"
 #include "sim/desk/what_if.h"
 #include "trace/trace_recorder.h"
+#include "wlan/qca/qca_layouts.h"
 #include "wlan/qca/wlan_platform_qca.h"
 
 namespace lynd {
@@ -28,7 +29,7 @@ namespace {
 struct ReplaySeams {
     explicit ReplaySeams(ReplayTape* tape)
         : bus(tape), loop(tape, &bus), host(tape), uci(tape), krel(tape) {
-        before = install_seams({&loop, &host, &uci, &krel, &bus});
+        before = install_seams({&loop, &host, &uci, &krel, &bus, &qca_driver_requests});
         wlan_platform_ops = &wlan_platform_qca;
         trace_forbid(true);
     }

@@ -14,7 +14,7 @@
 #include "trace/trace_hex.h"
 #include "trace/trace_line.h"
 #include "trace/trace_order.h"
-#include "wlan/qca/qca_ioctl.h"
+#include "wlan/qca/qca_layouts.h"
 
 namespace lynd {
 
@@ -43,7 +43,7 @@ bool worth_hiding(const Mac& m) {
 class Anonymizer {
 public:
     void learn_text(const std::string& s);
-    void learn_bytes(const std::string& kind, const char* key, const std::string& b, int64_t table_type);
+    void learn_bytes(const TraceRecord& r, const char* key, const std::string& b);
     void learn_ssid(const std::string& s) {
         if (!s.empty() && ssids_.count(s) == 0)
             ssids_[s] = "ssid-" + std::to_string(ssids_.size() + 1);
@@ -53,6 +53,7 @@ public:
 
 private:
     void learn(const Mac& m);
+    void learn_laid_out(const ByteLayout& layout, const std::string& b);
     std::map<Mac, Mac> macs_;
     std::map<std::string, std::string> suffixes_;
     std::map<std::string, std::string> ssids_;
@@ -100,7 +101,24 @@ void Anonymizer::learn_text(const std::string& s) {
             learn(m);
 }
 
-void Anonymizer::learn_bytes(const std::string& kind, const char* key, const std::string& b, int64_t table_type) {
+// The addresses in a driver request's bytes, where its back-end's layout
+// puts them: in the block, or in each record as the daemon steps through.
+void Anonymizer::learn_laid_out(const ByteLayout& layout, const std::string& b) {
+    const auto* p = reinterpret_cast<const uint8_t*>(b.data());
+    for (size_t off = 0; off + layout.record_min <= b.size();) {
+        for (size_t i = 0; i < layout.mac_count; i++)
+            if (off + layout.macs[i] + 6 <= b.size())
+                learn(b.substr(off + layout.macs[i], 6));
+        size_t len = layout.record_min == 0 ? 0 : trace_load_le16(p + off + layout.length_at);
+        if (len == 0)
+            break;
+        off += len;
+    }
+}
+
+void Anonymizer::learn_bytes(const TraceRecord& r, const char* key, const std::string& b) {
+    const std::string& kind = r.kind;
+    int64_t table_type = r.num("type");
     if (std::strcmp(key, "mac") == 0 || std::strcmp(key, "id") == 0 || std::strcmp(key, "addr") == 0)
         learn(b.substr(0, 6));
     if (kind == "k_table") {
@@ -111,16 +129,11 @@ void Anonymizer::learn_bytes(const std::string& kind, const char* key, const std
                 learn(b.substr(off + 6, 6));
         }
     }
-    if (kind == "ioctl" && std::strcmp(key, "data") == 0) {
-        const auto* p = reinterpret_cast<const uint8_t*>(b.data());
-        for (size_t off = 0; off + QCA_STA_RECORD_MIN <= b.size();) {
-            size_t len = trace_load_le16(p + off + STA_OFF_LEN);
-            learn(b.substr(off + STA_OFF_MAC, 6));
-            if (len == 0)
-                break;
-            off += len;
-        }
-    }
+    const DriverRequest* d =
+        kind == "ioctl" ? find_driver_request(&qca_driver_requests, static_cast<unsigned long>(r.num("req"))) : nullptr;
+    bool payload = std::strcmp(key, "data") == 0 || std::strcmp(key, "cmd") == 0;
+    if (d != nullptr && d->layout != nullptr && payload)
+        learn_laid_out(*d->layout, b);
 }
 
 std::string Anonymizer::text(const std::string& s) const {
@@ -190,7 +203,6 @@ std::string hex_of(const std::string& b) {
 }
 
 void learn_record(const TraceRecord& r, Anonymizer* a) {
-    int64_t table_type = r.num("type");
     json_object* in = r.object();
     if (in == nullptr)
         return;
@@ -201,7 +213,7 @@ void learn_record(const TraceRecord& r, Anonymizer* a) {
         }
         std::string s = json_object_get_string(val), b;
         if (hex_field(r.kind, key) && trace_unhex(s.data(), s.size(), &b, TRACE_FIELD_MAX))
-            a->learn_bytes(r.kind, key, b, table_type);
+            a->learn_bytes(r, key, b);
         else
             a->learn_text(s);
     }

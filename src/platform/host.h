@@ -61,7 +61,9 @@ public:
 
     // An AF_INET datagram socket for driver requests: its descriptor, or -errno.
     virtual int dgram_socket() = 0;
-    // One driver request (ioctl) on fd: its result (>= 0), or -errno.
+    // One driver request (ioctl) on fd: its result (>= 0), or -errno. arg
+    // is an iw_request; what it carries, the wireless back-end describes
+    // (driver_requests.h).
     virtual int dev_ioctl(int fd, unsigned long request, void* arg) = 0;
     // A raw packet socket for one ethertype: its descriptor, or -errno.
     virtual int packet_socket(uint16_t ethertype) = 0;

@@ -2,6 +2,7 @@
 #pragma once
 #include "platform/krel_api.h"
 #include "platform/bus.h"
+#include "platform/driver_requests.h"
 #include "platform/host.h"
 #include "platform/loop.h"
 #include "platform/uci_store.h"
@@ -14,6 +15,9 @@ struct Seams {
     UciStore* uci = nullptr;
     KrelApi* krel = nullptr;
     Bus* bus = nullptr;
+    // The wireless back-end's driver requests, for the recorder; none: it
+    // writes only the descriptor, number and interface of each.
+    const DriverRequests* driver = nullptr;
 };
 
 // Replaces the installed seams; returns the previous set.

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "trace/trace_order.h"
-#include "wlan/qca/qca_ioctl.h"
+#include "platform/iw_request.h"
 
 namespace lynd {
 
@@ -36,7 +36,7 @@ void req_send(TraceLine& l, int fd, unsigned ifindex, uint16_t ethertype, const 
     l.hex("frame", frame, len);
 }
 
-void req_ioctl(TraceLine& l, int fd, unsigned long request, const void* arg) {
+void req_ioctl(TraceLine& l, int fd, unsigned long request, const void* arg, const DriverRequest* d) {
     iw_request r;
     std::memcpy(&r, arg, sizeof r);
     l.num("fd", fd);
@@ -44,44 +44,44 @@ void req_ioctl(TraceLine& l, int fd, unsigned long request, const void* arg) {
     char name[sizeof r.name + 1] = {};
     std::memcpy(name, r.name, sizeof r.name);
     l.str("if", name);
-    switch (request) {
-    case QCA_IOCTL_GET_PARAM:
+    switch (d != nullptr ? d->in : DriverIn::NOTHING) {
+    case DriverIn::VALUE:
         l.num("param", r.u.value);
         break;
-    case QCA_IOCTL_GENERIC:
-        trace_hex_ordered(l, "cmd", TraceBytes::WDS_CMD, r.u.data.pointer, r.u.data.length);
+    case DriverIn::COMMAND:
+        trace_hex_ordered(l, "cmd", d->layout, r.u.data.pointer, r.u.data.length);
         break;
-    case QCA_IOCTL_STA_TABLE:
+    case DriverIn::ROOM:
         l.num("len", r.u.data.length);
         break;
-    default:
+    case DriverIn::NOTHING:
         break;
     }
 }
 
-void ioctl_answer(TraceLine& l, unsigned long request, const void* arg, int rc) {
+void ioctl_answer(TraceLine& l, const void* arg, int rc, const DriverRequest* d) {
     iw_request r;
     std::memcpy(&r, arg, sizeof r);
     l.num("rc", rc);
-    if (rc < 0)
+    if (rc < 0 || d == nullptr)
         return;
-    switch (request) {
-    case QCA_IOCTL_GET_PARAM:
+    switch (d->out) {
+    case DriverOut::VALUE:
         l.num("value", r.u.value);
         break;
-    case IW_IOCTL_GET_MODE:
+    case DriverOut::MODE:
         l.num("mode", r.u.mode);
         break;
-    case IW_IOCTL_GET_AP:
+    case DriverOut::ADDRESS:
         l.num("family", r.u.addr.family);
         l.hex("addr", r.u.addr.bytes, sizeof r.u.addr.bytes);
         break;
-    case QCA_IOCTL_STA_TABLE:
+    case DriverOut::TABLE:
         l.num("got", r.u.data.length);
-        trace_hex_ordered(l, "data", TraceBytes::STA_TABLE, r.u.data.pointer,
-                          r.u.data.length < QCA_STA_TABLE_SIZE ? r.u.data.length : QCA_STA_TABLE_SIZE);
+        trace_hex_ordered(l, "data", d->layout, r.u.data.pointer,
+                          r.u.data.length < d->most ? r.u.data.length : d->most);
         break;
-    default:
+    case DriverOut::NOTHING:
         break;
     }
 }

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "platform/driver_requests.h"
 #include "trace/trace_line.h"
 
 namespace lynd {
@@ -15,9 +16,11 @@ void req_read(TraceLine& l, const char* path, size_t size);
 void req_write(TraceLine& l, const char* path, const char* data, size_t len);
 void req_send(TraceLine& l, int fd, unsigned ifindex, uint16_t ethertype, const uint8_t* dst, const void* frame,
               size_t len);
-// The fields of a driver request the daemon filled in.
-void req_ioctl(TraceLine& l, int fd, unsigned long request, const void* arg);
+// The fields of a driver request (an iw_request at arg) the daemon filled
+// in, as its back-end described them in d; with no description, only the
+// descriptor, number and interface.
+void req_ioctl(TraceLine& l, int fd, unsigned long request, const void* arg, const DriverRequest* d);
 // What the driver answered into the request.
-void ioctl_answer(TraceLine& l, unsigned long request, const void* arg, int rc);
+void ioctl_answer(TraceLine& l, const void* arg, int rc, const DriverRequest* d);
 
 }  // namespace lynd

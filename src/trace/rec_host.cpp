@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "platform/seams.h"
 #include "trace/host_requests.h"
 #include "trace/trace_sink.h"
 
@@ -148,10 +149,11 @@ int RecHost::dgram_socket() { return simple("dgram", in_->dgram_socket()); }
 
 int RecHost::dev_ioctl(int fd, unsigned long request, void* arg) {
     // The request as the daemon filled it, before the driver writes over it.
+    const DriverRequest* d = find_driver_request(installed_seams().driver, request);
     TraceLine& l = trace_begin("ioctl");
-    req_ioctl(l, fd, request, arg);
+    req_ioctl(l, fd, request, arg, d);
     int rc = in_->dev_ioctl(fd, request, arg);
-    ioctl_answer(l, request, arg, rc);
+    ioctl_answer(l, arg, rc, d);
     trace_emit();
     return rc;
 }

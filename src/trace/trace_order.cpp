@@ -9,9 +9,9 @@
 #include "bridge/table_entries.h"
 #include "core/event_records.h"
 #include "event/netlink_datagram.h"
+#include "platform/driver_requests.h"
 #include "trace/trace_kinds.h"
 #include "trace/trace_line.h"
-#include "wlan/qca/qca_ioctl.h"
 
 namespace lynd {
 
@@ -122,23 +122,37 @@ void swap_datagram(uint8_t* p, size_t n, bool big, bool route) {
     }
 }
 
+void swap_layout_fields(const ByteLayout& layout, uint8_t* p, size_t n) {
+    for (size_t i = 0; i < layout.field_count; i++)
+        swap_at(p, n, layout.fields[i].offset, layout.fields[i].width);
+}
+
 // The records the daemon reads, walked as it walks them. One shorter than
 // its fixed part ends the walk: the next would overlap it, and no one order
 // could serve both.
-void swap_sta_table(uint8_t* p, size_t n, bool big) {
+void swap_records(const ByteLayout& layout, uint8_t* p, size_t n, bool big) {
     size_t off = 0;
-    while (n - off >= QCA_STA_RECORD_MIN) {
+    while (n - off >= layout.record_min) {
         uint8_t* r = p + off;
-        size_t len = read_in(r + STA_OFF_LEN, 2, big);
-        swap_at(r, n - off, STA_OFF_LEN, 2);
-        swap_at(r, n - off, STA_OFF_NOISE, 4);
-        swap_at(r, n - off, STA_OFF_TXRATE, 4);
-        swap_at(r, n - off, STA_OFF_IDLE, 2);
-        swap_at(r, n - off, STA_OFF_RXRATE, 4);
-        if (len < QCA_STA_RECORD_MIN || len > n - off)
+        size_t len = read_in(r + layout.length_at, 2, big);
+        swap_at(r, n - off, layout.length_at, 2);
+        swap_layout_fields(layout, r, n - off);
+        if (len < layout.record_min || len > n - off)
             return;
         off += len;
     }
+}
+
+// Swaps to trace order for the writing and back: p is the daemon's buffer.
+template <typename Order>
+void hex_in_trace_order(TraceLine& l, const char* key, Order order, void* p, size_t n) {
+    auto* b = static_cast<uint8_t*>(p);
+    bool big = trace_host_is_big();
+    if (big)
+        trace_swap_fields(order, b, n, true);
+    l.hex(key, b, n);
+    if (big)
+        trace_swap_fields(order, b, n, false);
 }
 
 void swap_port_reply(uint8_t* p, size_t n, bool big) {
@@ -164,12 +178,6 @@ void trace_swap_fields(TraceBytes kind, uint8_t* p, size_t n, bool from_big) {
     case TraceBytes::ROUTE_DGRAM:
         swap_datagram(p, n, from_big, true);
         break;
-    case TraceBytes::STA_TABLE:
-        swap_sta_table(p, n, from_big);
-        break;
-    case TraceBytes::WDS_CMD:
-        swap_at(p, n, 0, 4);
-        break;
     case TraceBytes::HC_TABLE:
         swap_entries(p, n, HC_ENTRY_SIZE, swap_hc_entry);
         break;
@@ -184,19 +192,31 @@ void trace_swap_fields(TraceBytes kind, uint8_t* p, size_t n, bool from_big) {
     }
 }
 
+void trace_swap_fields(const ByteLayout* layout, uint8_t* p, size_t n, bool from_big) {
+    if (p == nullptr || layout == nullptr)
+        return;
+    if (layout->record_min == 0)
+        swap_layout_fields(*layout, p, n);
+    else
+        swap_records(*layout, p, n, from_big);
+}
+
 void trace_hex_ordered(TraceLine& l, const char* key, TraceBytes kind, void* p, size_t n) {
-    auto* b = static_cast<uint8_t*>(p);
-    bool big = trace_host_is_big();
-    if (big)
-        trace_swap_fields(kind, b, n, true);
-    l.hex(key, b, n);
-    if (big)
-        trace_swap_fields(kind, b, n, false);
+    hex_in_trace_order(l, key, kind, p, n);
+}
+
+void trace_hex_ordered(TraceLine& l, const char* key, const ByteLayout* layout, void* p, size_t n) {
+    hex_in_trace_order(l, key, layout, p, n);
 }
 
 void trace_bytes_to_host(TraceBytes kind, void* p, size_t n) {
     if (trace_host_is_big())
         trace_swap_fields(kind, static_cast<uint8_t*>(p), n, false);
+}
+
+void trace_bytes_to_host(const ByteLayout* layout, void* p, size_t n) {
+    if (trace_host_is_big())
+        trace_swap_fields(layout, static_cast<uint8_t*>(p), n, false);
 }
 
 uint16_t trace_load_le16(const uint8_t* p) { return static_cast<uint16_t>(read_in(p, 2, false)); }

@@ -9,12 +9,11 @@
 namespace lynd {
 
 class TraceLine;
+struct ByteLayout;
 
 enum class TraceBytes {
     BRIDGE_DGRAM,  // the bridge's netlink datagrams
     ROUTE_DGRAM,   // rtnetlink link datagrams with wireless events
-    STA_TABLE,     // the driver's station table
-    WDS_CMD,       // the driver command block of a WDS delete
     HC_TABLE,
     FDB_TABLE,
     PORT_REPLY,    // library message header and port entries
@@ -25,12 +24,16 @@ enum class TraceBytes {
 // order the bytes are in now, for the lengths the walk steps by. Applied
 // twice with opposite from_big it gives the bytes back.
 void trace_swap_fields(TraceBytes kind, uint8_t* p, size_t n, bool from_big);
+// The same by a back-end's layout of driver bytes; null: kept as they are.
+void trace_swap_fields(const ByteLayout* layout, uint8_t* p, size_t n, bool from_big);
 
 // The bytes in hex under key, in trace order; p is back as it was after.
 void trace_hex_ordered(TraceLine& l, const char* key, TraceBytes kind, void* p, size_t n);
+void trace_hex_ordered(TraceLine& l, const char* key, const ByteLayout* layout, void* p, size_t n);
 
 // Bytes read from a trace, turned to this CPU's order.
 void trace_bytes_to_host(TraceBytes kind, void* p, size_t n);
+void trace_bytes_to_host(const ByteLayout* layout, void* p, size_t n);
 
 uint16_t trace_load_le16(const uint8_t* p);
 

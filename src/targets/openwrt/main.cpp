@@ -7,6 +7,7 @@
 #include "targets/openwrt/uloop_loop.h"
 #include "core/log.h"
 #include "platform/seams.h"
+#include "wlan/qca/qca_layouts.h"
 
 namespace {
 
@@ -24,7 +25,8 @@ int main(int argc, char** argv) {
     lynd::LibUciStore uci;
     lynd::KrelVendor krel;
     lynd::UbusBus bus;
-    lynd::install_seams({&loop, &host, &uci, &krel, &bus});
+    // The QCA back-end drives the radios; the recorder learns its requests here.
+    lynd::install_seams({&loop, &host, &uci, &krel, &bus, &qca_driver_requests});
     if (kKrelStub)
         LYND_ERR("built with a stand-in for the bridge library: no bridge is programmed");
     return lynd_run(argc, argv);

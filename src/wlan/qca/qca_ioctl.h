@@ -1,8 +1,10 @@
-// Requests to the QCA wireless driver: the wireless-extensions request record
-// and the private request numbers and sizes the driver expects.
+// Requests to the QCA wireless driver: the request numbers, sizes and
+// offsets the driver expects. The record itself is the kernel's (iw_request).
 #pragma once
 #include <cstddef>
 #include <cstdint>
+
+#include "platform/iw_request.h"
 
 constexpr unsigned long QCA_IOCTL_STA_TABLE = 0x89F6;  // SIOCDEVPRIVATE + 6
 constexpr unsigned long QCA_IOCTL_GET_PARAM = 0x8BE1;  // SIOCIWFIRSTPRIV + 1
@@ -30,24 +32,3 @@ constexpr size_t STA_OFF_RATE_INDEX = 96; // u8, current tx rate in the rate arr
 constexpr size_t STA_OFF_TXRATE = 100;    // u32, kbit/s
 constexpr size_t STA_OFF_IDLE = 180;      // u16
 constexpr size_t STA_OFF_RXRATE = 196;    // u32, kbit/s
-
-// The kernel's struct iwreq: a 16-byte name, then one of these.
-struct iw_request {
-    char name[16];
-    union {
-        struct {
-            void* pointer;
-            uint16_t length;
-            uint16_t flags;
-        } data;
-        int32_t value;  // get-parameter: the parameter in, its value out
-        uint32_t mode;
-        struct {
-            uint16_t family;
-            uint8_t bytes[14];
-        } addr;  // struct sockaddr; a MAC in its first 6 bytes
-        uint8_t raw[16];
-    } u;
-};
-static_assert(sizeof(void*) != 8 || offsetof(iw_request, u.data.length) == 24, "iwreq layout");
-static_assert(offsetof(iw_request, u) == 16, "iwreq layout");
