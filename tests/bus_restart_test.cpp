@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/seams.h"
 #include "sim/sim_node.h"
 #include "tests/scenario_text.h"
 
@@ -25,10 +24,8 @@ std::string verdicts(const std::string& timeline_and_expect) {
     std::string error;
     if (!parse(std::string("{") + kNode + timeline_and_expect + "}", &sc, &error))
         return "parse: " + error;
-    const lynd::Seams saved = lynd::installed_seams();
     lynd::SimNode node(sc);
-    lynd::RunOutcome o = node.run("lynd", {});
-    lynd::install_seams(saved);
+    lynd::RunOutcome o = run_kept(node);
     std::string v;
     for (const auto& r : o.results)
         v += r.passed ? "P" : "F";

@@ -12,6 +12,7 @@
 
 #include "full_disk.h"
 #include "file_text.h"
+#include "scenario_text.h"
 #include "sim/desk/replay_run.h"
 #include "sim/scenario/scenario.h"
 #include "sim/sim_node.h"
@@ -29,8 +30,7 @@ protected:
     void SetUp() override {
         dir = lynd::trace_dir_make();
         ASSERT_FALSE(dir.empty());
-        std::string text = slurp(std::string(LYND_SOURCE_DIR) + "/scenarios/record_restart.json"), error;
-        ASSERT_TRUE(lynd::scenario_parse(text.data(), text.size(), &sc, &error)) << error;
+        sc = bundled("record_restart");
     }
     void TearDown() override {
         // The bus method's trace holds for later runs of the process.

@@ -4,8 +4,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -15,9 +13,9 @@
 #include "sim/scenario/scenario.h"
 #include "sim/sim_node.h"
 #include "sim/node/state_dir.h"
-#include "file_text.h"
 #include "scenario_text.h"
 #include "sim_fixture.h"
+#include "temp_dir.h"
 
 namespace {
 
@@ -232,10 +230,8 @@ TEST(SimNodeRun, ATimelineAnnouncementFillsTheTable) {
                                                         {"mac": "02:00:00:00:0b:02", "dst": 20, "src": 12}]}}]})",
                       &sc, &error))
         << error;
-    const lynd::Seams saved = lynd::installed_seams();
     lynd::SimNode node(sc);
-    node.run("lynd", {});
-    lynd::install_seams(saved);
+    run_kept(node);
     EXPECT_EQ("ath12", node.clients().path_of(mac));
     EXPECT_EQ("ath0", node.clients().path_of(other));
 }
@@ -254,10 +250,8 @@ TEST(SimNodeRun, ExpectationsJudgeWhatHappened) {
                    {"run": "iwpriv wifi0 dbdc_enable 0", "count": 1}]})",
                       &sc, &error))
         << error;
-    const lynd::Seams saved = lynd::installed_seams();
     lynd::SimNode node(sc);
-    lynd::RunOutcome o = node.run("lynd", {});
-    lynd::install_seams(saved);
+    lynd::RunOutcome o = run_kept(node);
     EXPECT_EQ(0, o.exit_status);
     EXPECT_EQ(30000, o.virtual_ms);
     ASSERT_EQ(7u, o.results.size());
@@ -277,34 +271,25 @@ TEST(StateDir, PathsStayBelowTheDirectory) {
 }
 
 TEST(StateDir, WritesTheNodesFilesAndRefusesAnEscape) {
-    char dir[] = "/tmp/lynd_state_XXXXXX";
-    ASSERT_NE(nullptr, mkdtemp(dir));
+    TempDir dir;
+    const std::string out = dir.path + "/out";
     lynd::SimHost host;
     host.set_file("/tmp/hybr_broadcast_port", "ath02\n");
     std::string error;
-    ASSERT_TRUE(lynd::write_state_dir(host, std::string(dir) + "/out", &error)) << error;
-    std::ifstream in(std::string(dir) + "/out/tmp/hybr_broadcast_port");
-    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    EXPECT_EQ("ath02\n", text);
+    ASSERT_TRUE(lynd::write_state_dir(host, out, &error)) << error;
+    EXPECT_EQ("ath02\n", slurp(out + "/tmp/hybr_broadcast_port"));
 
     host.set_file("/../escape", "x");
-    EXPECT_FALSE(lynd::write_state_dir(host, std::string(dir) + "/out", &error));
+    EXPECT_FALSE(lynd::write_state_dir(host, out, &error));
     EXPECT_NE(std::string::npos, error.find("/../escape")) << error;
-    std::remove((std::string(dir) + "/out/tmp/hybr_broadcast_port").c_str());
-    rmdir((std::string(dir) + "/out/tmp").c_str());
-    rmdir((std::string(dir) + "/out").c_str());
-    rmdir(dir);
+    std::remove((out + "/tmp/hybr_broadcast_port").c_str());
+    rmdir((out + "/tmp").c_str());
+    rmdir(out.c_str());
 }
 
-}  // namespace
-
-namespace {
-
 std::string report_of(const Scenario& sc) {
-    const lynd::Seams saved = lynd::installed_seams();
     lynd::SimNode node(sc);
-    lynd::RunOutcome o = node.run("lynd", {});
-    lynd::install_seams(saved);
+    lynd::RunOutcome o = run_kept(node);
     char* text = nullptr;
     size_t len = 0;
     std::FILE* out = open_memstream(&text, &len);
@@ -320,11 +305,7 @@ std::string report_of(const Scenario& sc) {
 // Process-wide records left over from one run must not steer the next.
 TEST(SimNodeRun, ARunRepeatedInOneProcessGivesTheSameReport) {
     for (const char* name : {"demo", "bus_and_netlink_events", "traffic_separation", "loop_avoidance", "ps_weak_5g"}) {
-        std::ifstream in(std::string(LYND_SOURCE_DIR) + "/scenarios/" + name + ".json");
-        std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-        Scenario sc;
-        std::string error;
-        ASSERT_TRUE(parse(text, &sc, &error)) << name << ": " << error;
+        Scenario sc = bundled(name);
         const std::string first = report_of(sc);
         EXPECT_EQ(first, report_of(sc)) << name;
         EXPECT_NE(std::string::npos, first.find("0 failed")) << first;

@@ -3,7 +3,6 @@
 
 #include <cmath>
 #include <cstring>
-#include <fstream>
 #include <map>
 #include <string>
 #include <vector>
@@ -276,16 +275,6 @@ TEST(TimelineSvgTest, ADayIsSummedUpPerBucketInABoundedPicture) {
     Parsed hour = parse_svg(lynd::timeline_svg(t));
     EXPECT_EQ(0, hour.classes["countbar"]);
     EXPECT_GT(hour.classes["movemark"], 0);
-}
-
-// A bundled scenario, parsed.
-lynd::Scenario bundled(const std::string& name) {
-    lynd::Scenario sc;
-    std::string error;
-    std::ifstream in(std::string(LYND_SOURCE_DIR) + "/scenarios/" + name + ".json");
-    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    EXPECT_TRUE(parse(text, &sc, &error)) << error;
-    return sc;
 }
 
 // The simulator's own picture of a run shows every move the daemon made.

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "file_text.h"
+#include "scenario_text.h"
 #include "replay_child.h"
 #include "sim/desk/replay_run.h"
 #include "sim/scenario/scenario.h"
@@ -30,13 +31,6 @@ size_t slurp_size(const std::string& path) {
 class TraceReplayTest : public ::testing::Test {
 protected:
     void SetUp() override { ASSERT_FALSE(tmp.path.empty()); }
-
-    lynd::Scenario scenario(const char* name) {
-        lynd::Scenario sc;
-        std::string text = slurp(std::string(LYND_SOURCE_DIR) + "/scenarios/" + name + ".json"), error;
-        EXPECT_TRUE(lynd::scenario_parse(text.data(), text.size(), &sc, &error)) << error;
-        return sc;
-    }
 
     // The run's trace as text.
     std::string record(const lynd::Scenario& sc) {
@@ -62,7 +56,7 @@ protected:
 };
 
 TEST_F(TraceReplayTest, ARecordedRunReplaysIdenticallyAndAChangedOutputIsCaught) {
-    std::string text = record(scenario("ps_weak_5g"));
+    std::string text = record(bundled("ps_weak_5g"));
     lynd::ReplayResult same = replay(text);
     EXPECT_TRUE(same.identical) << same.report;
     EXPECT_EQ(0u, same.report.find("identical: ")) << same.report;
@@ -83,7 +77,7 @@ TEST_F(TraceReplayTest, ARecordedRunReplaysIdenticallyAndAChangedOutputIsCaught)
 }
 
 TEST_F(TraceReplayTest, WhatIfShowsNoDifferenceUnderTheSameConfigAndSomeUnderAnother) {
-    lynd::Scenario sc = scenario("ps_weak_5g");
+    lynd::Scenario sc = bundled("ps_weak_5g");
     std::string text = record(sc);
     lynd::ReplayResult same = replay(text, sc.config_text);
     EXPECT_EQ(0u, same.report.find("decisions that differ (- recorded only, + what-if only): 0\n")) << same.report;
@@ -103,7 +97,7 @@ TEST_F(TraceReplayTest, WhatIfShowsNoDifferenceUnderTheSameConfigAndSomeUnderAno
 
 // Path states are told whatever level the router logged at.
 TEST_F(TraceReplayTest, WhatIfSeesPathStatesInATraceAtTheDefaultLogLevel) {
-    lynd::Scenario sc = scenario("ps_weak_5g");
+    lynd::Scenario sc = bundled("ps_weak_5g");
     sc.args = {};
     std::string text = record(sc);
     ASSERT_EQ(std::string::npos, text.find("into to WEAKLINK"));
@@ -119,7 +113,7 @@ TEST_F(TraceReplayTest, WhatIfSeesPathStatesInATraceAtTheDefaultLogLevel) {
 }
 
 TEST_F(TraceReplayTest, AnAnonymizedTraceHidesEveryClientAndStillReplays) {
-    std::string text = record(scenario("ps_weak_5g"));
+    std::string text = record(bundled("ps_weak_5g"));
     ASSERT_NE(std::string::npos, text.find("02:00:00:00:0a:01"));
     std::string anon, error;
     ASSERT_TRUE(lynd::trace_anonymize(text, &anon, &error)) << error;
@@ -130,7 +124,7 @@ TEST_F(TraceReplayTest, AnAnonymizedTraceHidesEveryClientAndStillReplays) {
 }
 
 TEST_F(TraceReplayTest, TheConfiguredTraceRotatesAtItsSizeAndItsPartsReplayChained) {
-    lynd::Scenario sc = scenario("ps_weak_5g");
+    lynd::Scenario sc = bundled("ps_weak_5g");
     std::string path = dir + "/trace";
     sc.config_text.insert(sc.config_text.find('{') + 1,
                           "\"record\": \"trace\", \"record_size\": 262144,");
@@ -197,7 +191,7 @@ TEST_F(TraceReplayTest, ATraceManyTimesItsMemoryBoundReplaysWithinIt) {
     if (kSanitized)
         GTEST_SKIP() << "the sanitizer's quarantine holds freed memory";
     std::string small = dir + "/small", big = dir + "/big";
-    std::string text = record(scenario("ps_weak_5g"));
+    std::string text = record(bundled("ps_weak_5g"));
     std::ofstream(small, std::ios::binary) << text;
     write_padded(text, big, kBigTrace);
     ASSERT_GE(slurp_size(big), kBigTrace);
