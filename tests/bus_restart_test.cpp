@@ -32,28 +32,6 @@ std::string verdicts(const std::string& timeline_and_expect) {
     return v;
 }
 
-// A link-state event flushes the bridge's table once per delivery.
-constexpr const char* kFlush = "bridgeFlushHipTable br-lan";
-
-TEST(BusRestart, EventsBeforeAndAfterAreHandledThoseDuringAreLost) {
-    std::string v = verdicts(std::string(R"(
-        "timeline": [{"at": 10, "ubus": "lynd.link_state", "data": {"link_state": 0}},
-                     {"at": 20, "bus": "down"},
-                     {"at": 22, "ubus": "lynd.link_state", "data": {"link_state": 0}},
-                     {"at": 22, "ubus": "lynd.configure", "data": {"mode": "HAP"}},
-                     {"at": 30, "bus": "up"},
-                     {"at": 45, "ubus": "lynd.link_state", "data": {"link_state": 0}}],
-        "expect": [{"call": ")") + kFlush + R"(", "count": 1, "from": 10, "to": 10},
-                   {"call": ")" + kFlush + R"(", "count": 0, "from": 20, "to": 34},
-                   {"log_absent": "work mode: 2"},
-                   {"call": ")" + kFlush + R"(", "count": 1, "from": 45, "to": 45},
-                   {"log_contains": "<LYND_ERR>[event_ubus_lost, ", "count": 1},
-                   {"log_contains": "<LYND_INFO>[event_ubus_retry, ", "count": 1},
-                   {"log_contains": "] link-state events sent while ubus was away may have been missed", "count": 1},
-                   {"exit": 0}])");
-    EXPECT_EQ("PPPPPPPP", v);
-}
-
 // Tries at 1, 2, 4 and then every 8 seconds: lost at 10, tried at 11, 13,
 // 17, 25, 33 and 41, so ubusd back at 34 is found at 41. An expectation at
 // N is judged before what falls due at N.
