@@ -163,17 +163,6 @@ TEST_F(RecordRestartTest, ARefusedCallTouchesNothingRestartsNothingAndSaysWhy) {
     dir = lynd::trace_dir_make();
 }
 
-TEST_F(RecordRestartTest, TooLittleRoomOnTheFilesystemRefusesTheCall) {
-    sc.fs_avail = 20 << 20;  // 8 MiB of traces would leave 12 of 64, under a quarter
-    sc.fs_total = 64 << 20;
-    watch = {"would leave too little room"};
-    run();
-    ASSERT_EQ(1u, calls.size());
-    EXPECT_EQ(9, calls[0].status);
-    EXPECT_EQ(1u, seen[0]);
-    EXPECT_EQ(1u, starts);
-}
-
 TEST_F(RecordRestartTest, AFullFilesystemEndsTheTraceWithOneLineAndTheDaemonGoesOn) {
     g_room = 100000;
     lynd::trace_set_writer(fill_up);

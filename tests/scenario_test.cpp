@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "event/netlink_datagram.h"
 #include "sim/node/netlink_craft.h"
 #include "sim/report.h"
 #include "sim/scenario/scenario.h"
@@ -21,7 +20,6 @@ namespace {
 
 using lynd::Scenario;
 
-const uint8_t* bytes(const std::string& s) { return reinterpret_cast<const uint8_t*>(s.data()); }
 
 TEST(ScenarioParse, DefaultsAndNode) {
     Scenario sc;
@@ -158,22 +156,6 @@ TEST(ScenarioParse, PathExpectationsNameTheirWantedValue) {
     EXPECT_EQ("pool 3", lynd::describe(sc.expect[1]));
     EXPECT_EQ("samples ath12=5 at 2 s", lynd::describe(sc.expect[2]));
     EXPECT_EQ("path_state ath02=WEAKLINK", lynd::describe(sc.expect[3]));
-}
-
-TEST(ScenarioParse, NetlinkEntriesBecomeDatagrams) {
-    Scenario sc;
-    std::string error;
-    ASSERT_TRUE(parse(R"({"timeline": [{"at": 1, "netlink": {"type": 11}},
-        {"at": 2, "netlink": {"type": 3, "len": 200, "body_hex": "aabb"}},
-        {"at": 3, "netlink": {"raw_hex": "0102"}}]})",
-                      &sc, &error))
-        << error;
-    ASSERT_EQ(3u, sc.timeline.size());
-    EXPECT_EQ(16u, sc.timeline[0].data.size());
-    EXPECT_EQ(11, nl_first_msg_type(bytes(sc.timeline[0].data), 16));
-    EXPECT_EQ(200u, nl_first_msg_len(bytes(sc.timeline[1].data), 18));
-    EXPECT_EQ("\xaa\xbb", sc.timeline[1].data.substr(16));
-    EXPECT_EQ(std::string("\x01\x02"), sc.timeline[2].data);
 }
 
 TEST(ScenarioParse, TheBridgesOwnDoingsAndTheConfiguredPaths) {
