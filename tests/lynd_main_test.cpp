@@ -136,13 +136,4 @@ TEST_F(LyndMainTest, UsageAndHelpExitWithoutLoading) {
     EXPECT_TRUE(g_trail.empty());
 }
 
-TEST_F(LyndMainTest, MissingConfigurationIsFatal) {
-    EXPECT_EXIT(
-        {
-            host.set_echo(true);
-            run({"-c", "/nonexistent.json"}, two_modules);
-        },
-        ::testing::ExitedWithCode(1), "<LYND_FATAL>\\[[a-z_]+, [0-9]+\\] parse config");
-}
-
 }  // namespace
