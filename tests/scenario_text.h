@@ -15,12 +15,15 @@ inline bool parse(const std::string& text, lynd::Scenario* sc, std::string* erro
     return lynd::scenario_parse(text.data(), text.size(), sc, error);
 }
 
-inline lynd::Scenario bundled(const std::string& name) {
+inline lynd::Scenario parsed(const std::string& text, const std::string& what = "") {
     lynd::Scenario sc;
     std::string error;
-    EXPECT_TRUE(parse(slurp(std::string(LYND_SOURCE_DIR) + "/scenarios/" + name + ".json"), &sc, &error))
-        << name << ": " << error;
+    EXPECT_TRUE(parse(text, &sc, &error)) << what << ": " << error;
     return sc;
+}
+
+inline lynd::Scenario bundled(const std::string& name) {
+    return parsed(slurp(std::string(LYND_SOURCE_DIR) + "/scenarios/" + name + ".json"), name);
 }
 
 inline lynd::RunOutcome run_kept(lynd::SimNode& node, const std::vector<std::string>& args = {}) {
