@@ -1,4 +1,3 @@
-#include <dirent.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -12,6 +11,7 @@
 #include "sim/scenario/scenario.h"
 #include "sim/sim_node.h"
 #include "sim/node/state_dir.h"
+#include "files_under.h"
 #include "scenario_text.h"
 #include "sim_fixture.h"
 #include "temp_dir.h"
@@ -104,13 +104,8 @@ TEST(ScenarioParse, RepeatUnrollsOnTheTimeline) {
 
 // A newcomer reads what a bundled scenario shows before its log scrolls by.
 TEST(BundledScenarios, EachSaysWhatItShows) {
-    DIR* dir = opendir(LYND_SOURCE_DIR "/scenarios");
-    ASSERT_NE(nullptr, dir);
     std::vector<std::string> paths;
-    while (const dirent* d = readdir(dir))
-        if (std::strstr(d->d_name, ".json") != nullptr)
-            paths.push_back(std::string(LYND_SOURCE_DIR) + "/scenarios/" + d->d_name);
-    closedir(dir);
+    files_under(LYND_SOURCE_DIR "/scenarios", {".json"}, &paths);
     EXPECT_GT(paths.size(), 20u);
     for (const auto& path : paths) {
         Scenario sc;
