@@ -36,63 +36,34 @@ namespace {
 
 enum class Mode { RUN, CHECK };
 
-// The run in progress, for a daemon that exits from inside (a fatal error).
-struct ActiveRun {
-    lynd::SimNode* node = nullptr;
-    const lynd::Scenario* sc = nullptr;
-    Mode mode = Mode::RUN;
+struct RunFiles {
     const char* out_dir = nullptr;
     const char* timeline = nullptr;
-} g_active;
+    const char* record = nullptr;
+    std::string trace_dir;  // where a record call's trace goes
+};
 
-constexpr int kExitCheckFailed = 3;
-// Virtual time makes a run take well under a second; a child that is still
-// busy after this is stuck.
+// Virtual time makes a run take well under a second; one still busy after
+// this is stuck, and the alarm ends the process.
 constexpr unsigned kCheckTimeLimitS = 120;
 constexpr unsigned kRoundtripTimeLimitS = 900;
 
-void save_state(const char* dir) {
+void save_state(lynd::SimNode& node, const char* dir) {
     std::string error;
     if (dir == nullptr)
         return;
-    bool ok = lynd::write_state_dir(g_active.node->host(), dir, &error);
-    const auto& calls = g_active.node->bus_calls();
+    bool ok = lynd::write_state_dir(node.host(), dir, &error);
+    const auto& calls = node.bus_calls();
     if (ok && !calls.empty())
         ok = lynd::write_whole_file(std::string(dir) + "/ubus_calls.json", lynd::bus_calls_json(calls), &error);
     if (!ok)
         std::fprintf(stderr, "lynd-sim: --out: %s\n", error.c_str());
 }
 
-void save_timeline(const char* path) {
+void save_timeline(lynd::SimNode& node, const char* path) {
     std::string error;
-    if (path != nullptr && !lynd::write_whole_file(path, lynd::timeline_svg(g_active.node->timeline()), &error))
+    if (path != nullptr && !lynd::write_whole_file(path, lynd::timeline_svg(node.timeline()), &error))
         std::fprintf(stderr, "lynd-sim: --timeline: %s\n", error.c_str());
-}
-
-int conclude(const lynd::RunOutcome& o) {
-    if (g_active.mode == Mode::RUN) {
-        std::fflush(stderr);
-        save_state(g_active.out_dir);
-        save_timeline(g_active.timeline);
-        lynd::print_report(stdout, *g_active.sc, o, *g_active.node);
-        return o.exit_status;
-    }
-    return lynd::print_check_line(stdout, *g_active.sc, o) ? 0 : kExitCheckFailed;
-}
-
-// Fatal start-up errors exit with status 1 on the spot, as on the router.
-void on_daemon_exit() {
-    if (lynd::replay_active()) {
-        lynd::ReplayResult r = lynd::replay_conclude(1);
-        std::fputs(r.report.c_str(), stdout);
-        std::fflush(stdout);
-        _exit(r.identical ? 0 : r.exit_status == 2 ? 2 : 1);
-    }
-    if (g_active.node == nullptr)
-        return;
-    int status = conclude(g_active.node->finish(1));
-    std::fflush(stdout);
-    _exit(status);
 }
 
 bool load(const char* path, lynd::Scenario* sc, std::string* error) {
@@ -110,13 +81,6 @@ bool load(const char* path, lynd::Scenario* sc, std::string* error) {
     return true;
 }
 
-struct RunFiles {
-    const char* out_dir = nullptr;
-    const char* timeline = nullptr;
-    const char* record = nullptr;
-    std::string trace_dir;  // where a record call's trace goes
-};
-
 // A simulated run's trace is not bounded as a router's is: the whole run
 // stays replayable.
 constexpr size_t kSimTraceSize = SIZE_MAX;
@@ -127,17 +91,20 @@ int run_one(const lynd::Scenario& sc, Mode mode, const RunFiles& files, const st
     node.set_trace_dir(files.trace_dir);
     if (files.timeline != nullptr)
         node.record_timeline();
-    g_active = ActiveRun{&node, &sc, mode, files.out_dir, files.timeline};
     if (mode == Mode::RUN && !sc.description.empty()) {
         std::printf("lynd-sim: scenario \"%s\": %s\n", sc.name.c_str(), sc.description.c_str());
         std::fflush(stdout);
     }
     lynd::RunOutcome o = node.run("lynd", extra);
-    int status = conclude(o);
-    if (mode == Mode::RUN && files.trace_dir.empty() && !node.trace_dir().empty())
+    if (mode == Mode::CHECK)
+        return lynd::print_check_line(stdout, sc, o) ? 0 : 1;
+    std::fflush(stderr);
+    save_state(node, files.out_dir);
+    save_timeline(node, files.timeline);
+    lynd::print_report(stdout, sc, o, node);
+    if (files.trace_dir.empty() && !node.trace_dir().empty())
         std::fprintf(stderr, "lynd-sim: the record call's trace is in %s\n", node.trace_dir().c_str());
-    g_active = ActiveRun{};
-    return status;
+    return o.exit_status;
 }
 
 int run(int argc, char** argv) {
@@ -169,19 +136,6 @@ int run(int argc, char** argv) {
     return run_one(sc, Mode::RUN, files, std::vector<std::string>(argv + 1, argv + argc));
 }
 
-// The child's own line covers a pass and an expectation that failed; any
-// other end is reported here.
-bool judge_child(const lynd::Scenario& sc, int status) {
-    if (WIFEXITED(status) && (WEXITSTATUS(status) == 0 || WEXITSTATUS(status) == kExitCheckFailed))
-        return WEXITSTATUS(status) == 0;
-    if (WIFSIGNALED(status))
-        std::printf("FAIL %s: the run died of signal %d (%s)\n", sc.name.c_str(), WTERMSIG(status),
-                    strsignal(WTERMSIG(status)));
-    else
-        std::printf("FAIL %s: the run ended with status %d\n", sc.name.c_str(), WEXITSTATUS(status));
-    return false;
-}
-
 bool check_one(const char* path) {
     lynd::Scenario sc;
     std::string error;
@@ -189,28 +143,15 @@ bool check_one(const char* path) {
         std::printf("FAIL %s: %s\n", path, error.c_str());
         return false;
     }
-    // Made and removed here: a daemon that exits from inside leaves it too.
     RunFiles files;
     files.trace_dir = lynd::trace_dir_make();
-    std::fflush(stdout);
-    pid_t pid = fork();
-    if (pid == 0) {
-        alarm(kCheckTimeLimitS);
-        int status = run_one(sc, Mode::CHECK, files, {});
-        std::fflush(stdout);
-        _exit(status);
-    }
-    int status = 0;
-    bool ran = pid >= 0 && waitpid(pid, &status, 0) == pid;
+    alarm(kCheckTimeLimitS);
+    bool passed = run_one(sc, Mode::CHECK, files, {}) == 0;
+    alarm(0);
     lynd::trace_dir_remove(files.trace_dir);
-    if (!ran) {
-        std::printf("FAIL %s: could not run it: %s\n", sc.name.c_str(), std::strerror(errno));
-        return false;
-    }
-    return judge_child(sc, status);
+    return passed;
 }
 
-// Each scenario runs in a child of its own, so a fatal exit is one result.
 int check(int argc, char** argv) {
     int passed = 0, failed = 0;
     for (int i = 0; i < argc; i++)
@@ -276,7 +217,7 @@ int replay(int argc, char** argv) {
     return r.identical ? 0 : 1;
 }
 
-// Runs path in a child of its own (as check does) and returns how it ended.
+// Runs body in a child of its own, under a time limit; how it ended.
 int in_child(const std::function<int()>& body) {
     std::fflush(stdout);
     pid_t pid = fork();
@@ -401,7 +342,6 @@ int usage() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::atexit(on_daemon_exit);
     int status = -1;
     if (argc >= 3 && std::strcmp(argv[1], "run") == 0)
         status = run(argc - 2, argv + 2);

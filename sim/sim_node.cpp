@@ -271,6 +271,7 @@ RunOutcome SimNode::run(const std::string& argv0, const std::vector<std::string>
         argv.push_back(&a[0]);
     argv.push_back(nullptr);
     int rc = lynd_run(static_cast<int>(args.size()), argv.data());
+    trace_forget_requests();
     return finish(rc);
 }
 

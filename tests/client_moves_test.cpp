@@ -1,3 +1,5 @@
+#include <cstring>
+
 #include "modules/path_selection/client_moves.h"
 #include "modules/path_selection/explain_records.h"
 #include "ps_fixture.h"
@@ -247,6 +249,38 @@ TEST_F(ClientMovesTest, ADownedPathsClientsFollowTheEmergencyChoiceOrTheTableIsF
     path_selection_pre_update_uplink_path_for_hc_v2(&conf.bridges[0], hc_paths, PATH_NONE);
     EXPECT_TRUE(host.logged("] not find best path"));
     EXPECT_EQ(1u, bridge.count_calls("bridgeFlushHCTable br-lan"));
+}
+
+}  // namespace
+
+namespace {
+
+// "A moved client's bridge entry points at the node's best path; its record
+// joins its own best's list" (the next sync files it under the entry). A
+// pinned client is sent where it is pinned.
+TEST_F(ClientMovesTest, TheEntryGoesByTheNodesBestUnlessTheClientIsPinned) {
+    for (bool pinned : {false, true}) {
+        fresh();
+        path(IF_TYPE_5G_2, "ath22", 3);
+        hc_paths[IF_TYPE_5G_2].quota = 6000;
+        hc_paths[IF_TYPE_5G_2].rate = 400;
+        hc_client* c = client(1, IF_TYPE_2G);
+        c->hc.bytes = 64000;
+        conf.clients = conf_client_rules{};
+        if (pinned) {
+            conf.clients.n = 1;
+            std::memcpy(conf.clients.rules[0].mac, c->hc.mac, 6);
+            conf.clients.rules[0].pin = IF_TYPE_5G_2;
+        }
+        for (int i = 0; i < 3; i++)
+            run(c, IF_TYPE_5G_2);  // its own best is 5g_2; the node's is 5g
+        std::string to = pinned ? "ath22" : "ath12";
+        EXPECT_EQ(std::vector<std::string>{"bridgeSetHCTableEntries br-lan " + mac_of(1) + " " + mac_of(1) + " ath1 " + to},
+                  bridge.calls_matching("bridgeSetHCTableEntries"))
+            << pinned;
+        EXPECT_TRUE(on(c, IF_TYPE_5G_2)) << pinned;
+    }
+    conf.clients = conf_client_rules{};
 }
 
 }  // namespace

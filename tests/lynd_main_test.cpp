@@ -1,8 +1,10 @@
+#include <cerrno>
 #include <string>
 #include <vector>
 
 #include "config/lynd_config.h"
 #include "daemon/lynd_main.h"
+#include "event/bridge_events.h"
 #include "event/event_dispatch.h"
 #include "sim_fixture.h"
 
@@ -134,6 +136,26 @@ TEST_F(LyndMainTest, UsageAndHelpExitWithoutLoading) {
     EXPECT_EQ(0, run({"-t", "-c", "/nonexistent"}, two_modules));
     ::testing::internal::GetCapturedStderr();
     EXPECT_TRUE(g_trail.empty());
+}
+
+// A fatal start returns 1 with nothing left running, so the same process
+// can start the daemon again.
+TEST_F(LyndMainTest, AFatalStartEndsWithOneAndTheNextRunStartsClean) {
+    EXPECT_EQ(1, run({"-c", "/nonexistent.json"}, two_modules));
+    EXPECT_EQ(1u, host.count_logged("] parse config"));
+    EXPECT_EQ(0, loop.init_count());
+    config("true");
+    host.set_nl_bind_error(HYFI_EVENT_PROTOCOL, EADDRINUSE);
+    EXPECT_EQ(1, run({}, two_modules));
+    EXPECT_TRUE(g_trail.empty());  // no module started
+    EXPECT_EQ(1, loop.done_count());
+    EXPECT_EQ(1, bus.free_count());
+    EXPECT_FALSE(bus.connected());
+    EXPECT_EQ(nullptr, l_ev);
+    host.set_nl_bind_error(HYFI_EVENT_PROTOCOL, 0);
+    EXPECT_EQ(0, run({}, two_modules));
+    EXPECT_EQ(6u, g_trail.size());  // both modules start, hear the start and stop
+    EXPECT_EQ(2, loop.done_count());
 }
 
 }  // namespace

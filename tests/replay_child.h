@@ -6,7 +6,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <functional>
 #include <string>
 
@@ -39,16 +38,6 @@ inline void replay_child_report(const lynd::ReplayResult& r) {
     }
 }
 
-// A daemon's fatal exit ends the replay as lynd-sim's does: with its report.
-inline void replay_child_exit() {
-    lynd::ReplayResult r;
-    if (lynd::replay_active()) {
-        r = lynd::replay_conclude(1);
-        replay_child_report(r);
-    }
-    _exit(replay_child_status(r));
-}
-
 inline ReplayChild replay_in_child(const std::function<lynd::ReplayResult()>& body, unsigned seconds) {
     ReplayChild c;
     int fds[2];
@@ -58,7 +47,6 @@ inline ReplayChild replay_in_child(const std::function<lynd::ReplayResult()>& bo
     if (pid == 0) {
         close(fds[0]);
         g_replay_child_fd = fds[1];
-        std::atexit(replay_child_exit);
         alarm(seconds);
         lynd::ReplayResult r = body();
         replay_child_report(r);

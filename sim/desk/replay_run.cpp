@@ -61,10 +61,6 @@ std::string line_of(std::string s) {
     return s;
 }
 
-}  // namespace
-
-bool replay_active() { return g_active.tape != nullptr; }
-
 ReplayResult replay_conclude(int exit_status) {
     ReplayResult res;
     ReplayTape& tape = *g_active.tape;
@@ -99,8 +95,6 @@ ReplayResult replay_conclude(int exit_status) {
     trace_forbid(false);
     return res;
 }
-
-namespace {
 
 // Checks that a trace can be replayed here: empty when it can, else why not.
 std::string unreplayable(const TraceHeader& header) {

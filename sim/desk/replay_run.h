@@ -24,8 +24,5 @@ ReplayResult replay_trace(const TraceSource& source, const std::vector<std::stri
 // With timeline set, the run is watched for the timeline picture.
 ReplayResult what_if_trace(const TraceSource& source, const std::string& config, const std::vector<std::string>& extra,
                            TimelineTrace* timeline = nullptr);
-// A daemon that exits from inside (a fatal error): the replay's report.
-bool replay_active();
-ReplayResult replay_conclude(int exit_status);
 
 }  // namespace lynd

@@ -154,6 +154,14 @@ void check_flap_budget(const SweepFacts& f, const SweepHistory& h, const PeriodV
     }
 }
 
+// A move sends the client by the node's best path while its record joins
+// its own best's list; the next sync files the record under the entry.
+bool moved_by_node_best(const PeriodView& now, const std::string& mac) {
+    std::string best = sweep_base_port(now.preferred);
+    return std::any_of(now.writes.begin(), now.writes.end(),
+                       [&](const SweepEntry& w) { return w.mac == mac && sweep_base_port(w.port) == best; });
+}
+
 void check_pool_agrees(const SweepFacts&, const PeriodView& now, std::vector<SweepViolation>* out) {
     if (!now.answered)
         return;
@@ -171,7 +179,7 @@ void check_pool_agrees(const SweepFacts&, const PeriodView& now, std::vector<Swe
         bool agrees = std::any_of(range.first, range.second, [&](const auto& kv) { return kv.second == c.path; });
         if (range.first == range.second)
             add(out, "pool_agrees", now, c.mac + " has a record on " + c.path + " and no bridge entry");
-        else if (!agrees && !preferred_moved)
+        else if (!agrees && !preferred_moved && !moved_by_node_best(now, c.mac))
             add(out, "pool_agrees", now,
                 c.mac + " has a record on " + c.path + ", its entry points at " + range.first->second);
     }

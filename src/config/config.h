@@ -24,13 +24,13 @@ config_parse_result config_parse(lynd_config* conf, const char* text, size_t len
 // Reads and parses filename as the daemon does; a file that cannot be read
 // or is too large counts as BAD_JSON.
 config_parse_result config_read(lynd_config* conf, const char* filename, config_report* report);
-// Reads and parses filename; a bad file is fatal (exit 1). The text of a
-// file that loads is kept as the running configuration's.
-void config_load(lynd_config* conf, const char* filename);
+// Reads and parses filename; false after the FATAL lines of a bad file. The
+// text of a file that loads is kept as the running configuration's.
+bool config_load(lynd_config* conf, const char* filename);
 // The same for a run that follows another in the process: when the file no
 // longer loads, the running configuration's text is loaded again, and a
 // line says so (fatal only when there is none).
-void config_load_keeping(lynd_config* conf, const char* filename);
+bool config_load_keeping(lynd_config* conf, const char* filename);
 // The text the daemon runs with ("" before a load), as it was read.
 const char* config_running_text(size_t* len);
 // Sets it (null: none), as for a fresh start or the replay of a restart.

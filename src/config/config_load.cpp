@@ -100,17 +100,18 @@ bool config_set_running_text(const char* text, size_t len) {
     return true;
 }
 
-void config_load(lynd_config* conf, const char* filename) {
+bool config_load(lynd_config* conf, const char* filename) {
     pick_log_sink(conf, filename);
     config_report report{};
     config_parse_result rc = load_file(conf, filename, &report);
     if (rc == config_parse_result::OK)
-        return;
-    LYND_FATAL_LINE("%s", refusal_line(rc));
+        return true;
+    LYND_FATAL("%s", refusal_line(rc));
     LYND_FATAL("%s: %s", filename, report.refusal);
+    return false;
 }
 
-void config_load_keeping(lynd_config* conf, const char* filename) {
+bool config_load_keeping(lynd_config* conf, const char* filename) {
     size_t len = 0;
     (void)config_running_text(&len);
     if (len == 0)
@@ -119,7 +120,7 @@ void config_load_keeping(lynd_config* conf, const char* filename) {
     config_report report{};
     config_parse_result rc = load_file(conf, filename, &report);
     if (rc == config_parse_result::OK)
-        return;
+        return true;
     LYND_ERR("%s no longer loads (%s): the running configuration stays", filename, report.refusal);
     *conf = lynd_config{};
     lynd_list_init(&conf->modules);
@@ -128,9 +129,10 @@ void config_load_keeping(lynd_config* conf, const char* filename) {
     rc = config_parse(conf, g_running.text, g_running.len, &again);
     lynd_log_to_syslog(conf->syslog);
     if (rc == config_parse_result::OK)
-        return;
-    LYND_FATAL_LINE("%s", refusal_line(rc));
+        return true;
+    LYND_FATAL("%s", refusal_line(rc));
     LYND_FATAL("%s: %s", filename, again.refusal);
+    return false;
 }
 
 void config_free(lynd_config* conf) {

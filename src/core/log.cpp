@@ -70,5 +70,3 @@ void lynd_printf(const char* format, ...) {
     line[len++] = '\n';
     lynd::host().console_write(line, len);
 }
-
-void lynd_fatal_exit() { std::exit(1); }

@@ -20,8 +20,6 @@ constexpr size_t LYND_LOG_MSG_MAX = 2047;
 
 void lynd_printf(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
-[[noreturn]] void lynd_fatal_exit();
-
 // Lines go to the system log instead of the console (off by default).
 void lynd_log_to_syslog(bool on);
 // The syslog priority of a line by its level tag (LOG_INFO when it has none).
@@ -55,17 +53,7 @@ inline bool lynd_log_on(int level) { return g_lynd_dgb_lvl >= level; }
 #define LYND_DEBUG_AS(fn, fmt, ...) LYND_LOG_AT_FN(LYND_LVL_DEBUG, "<LYND_DEBUG>", fn, fmt, ##__VA_ARGS__)
 #define LYND_TRACE_AS(fn, fmt, ...) LYND_LOG_AT_FN(LYND_LVL_TRACE, "<LYND_TRACE>", fn, fmt, ##__VA_ARGS__)
 
-// A FATAL line that more lines follow before the exit.
-#define LYND_FATAL_LINE(fmt, ...) lynd_printf("<LYND_FATAL>[%s, %d] " fmt, __func__, __LINE__, ##__VA_ARGS__)
-
-#define LYND_FATAL_AS(fn, fmt, ...)                                          \
-    do {                                                                     \
-        lynd_printf("<LYND_FATAL>[%s, %d] " fmt, fn, __LINE__, ##__VA_ARGS__); \
-        lynd_fatal_exit();                                                   \
-    } while (0)
-
-#define LYND_FATAL(fmt, ...)                   \
-    do {                                       \
-        LYND_FATAL_LINE(fmt, ##__VA_ARGS__);   \
-        lynd_fatal_exit();                     \
-    } while (0)
+// A start-up error the daemon cannot run past: the caller returns it up to
+// lynd_main, which ends the run with status 1.
+#define LYND_FATAL_AS(fn, fmt, ...) lynd_printf("<LYND_FATAL>[%s, %d] " fmt, fn, __LINE__, ##__VA_ARGS__)
+#define LYND_FATAL(fmt, ...) LYND_FATAL_AS(__func__, fmt, ##__VA_ARGS__)

@@ -5,6 +5,7 @@
 
 #include "core/counters.h"
 #include "core/log.h"
+#include "core/shadow.h"
 #include "platform/seams.h"
 
 namespace {
@@ -57,4 +58,8 @@ bool lynd_write_state_file(const char* path, const char* data, size_t len) {
     if (st != nullptr)
         st->obstacle = ok ? 0 : err;
     return ok;
+}
+
+bool lynd_write_steering_file(const char* path, const char* data, size_t len, const char* what) {
+    return lynd_shadow_holds(what) || lynd_write_state_file(path, data, len);
 }

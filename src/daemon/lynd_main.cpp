@@ -56,6 +56,16 @@ int end_early(int status) {
     return status;
 }
 
+// A start-up error after its FATAL lines: the trace ends first, so it holds
+// what the run did and not its tear-down, then what started stops.
+int end_fatal(event_hub* started) {
+    lynd::trace_finish_fatal();
+    if (started != nullptr)
+        event_free(started);
+    lynd::steering_gate_remove();
+    return 1;
+}
+
 }  // namespace
 
 void config_bridge(lynd_config*) { (void)lynd_platform_init(); }
@@ -94,12 +104,15 @@ int lynd_main_with(int argc, char** argv, const lynd_module_table& modules) {
     *conf = lynd_config{};
     lynd_list_init(&conf->modules);
 
+    bool loaded = false;
     if (lynd_restarting()) {
-        config_load_keeping(conf, opt.config_path);
+        loaded = config_load_keeping(conf, opt.config_path);
     } else {
         (void)config_set_running_text(nullptr, 0);
-        config_load(conf, opt.config_path);
+        loaded = config_load(conf, opt.config_path);
     }
+    if (!loaded)
+        return end_fatal(nullptr);
     lynd::trace_settle(conf->record, conf->record_size);
     if (!conf->enable) {
         LYND_ERR_AS(kFn, "lynd disabled");
@@ -112,7 +125,8 @@ int lynd_main_with(int argc, char** argv, const lynd_module_table& modules) {
     traffic_separation_config_load(conf);
     config_dump(conf);
     config_bridge(conf);
-    event_init(&conf->ev);
+    if (!event_init(&conf->ev))
+        return end_fatal(&conf->ev);
     l_ev = &conf->ev;
     start_modules(conf, modules);
     lynd_status_object_start(conf, started_ms);

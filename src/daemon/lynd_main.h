@@ -3,7 +3,7 @@
 #include "config/lynd_config.h"
 #include "modules/module.h"
 
-// Returns the exit status; fatal start-up errors exit(1) on the spot.
+// Returns the exit status: 1 after a fatal start-up error.
 int lynd_main(int argc, char** argv);
 int lynd_main_with(int argc, char** argv, const lynd_module_table& modules);
 

@@ -73,15 +73,18 @@ void event_bridge_set_event(lynd_config* conf) {
     }
 }
 
-void event_bridge_init(event_hub* ev) {
+bool event_bridge_init(event_hub* ev) {
     LYND_LOG("connect to netlink %d", HYFI_EVENT_PROTOCOL);
     const char* step = "";
     int err = open_hyfi(ev, &step);
-    if (err != 0)
+    if (err != 0) {
         LYND_FATAL("Fatal(%s): %s", std::strerror(err), step);
+        return false;
+    }
     ev->hyfi_retry.cb = event_bridge_retry;
     event_bridge_set_event(event_hub_config(ev));
     LYND_LOG("init done");
+    return true;
 }
 
 void event_bridge_rebuild(event_hub* ev) {

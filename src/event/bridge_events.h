@@ -7,7 +7,7 @@ constexpr uint32_t HYFI_RETRY_FIRST_MS = 1000;
 constexpr uint32_t HYFI_RETRY_MAX_MS = 60000;
 
 // At start: a socket that cannot be set up is fatal.
-void event_bridge_init(event_hub* ev);
+bool event_bridge_init(event_hub* ev);
 // At run time, after a receive error: a socket that cannot be set up is
 // tried again with growing pauses, and the daemon runs on meanwhile.
 void event_bridge_rebuild(event_hub* ev);

@@ -7,14 +7,12 @@
 #include "event/wifi_events.h"
 #include "platform/seams.h"
 
-void event_init(event_hub* ev) {
+bool event_init(event_hub* ev) {
     *ev = event_hub{};
     lynd_list_init(&ev->listeners);
     lynd::loop().init();
     lynd::host().ignore_sigpipe();
-    event_ubus_init(ev);
-    event_bridge_init(ev);
-    event_wifi_init(ev);
+    return event_ubus_init(ev) && event_bridge_init(ev) && event_wifi_init(ev);
 }
 
 void event_loop(event_hub* ev) {

@@ -3,6 +3,8 @@
 #pragma once
 #include "core/event_records.h"
 
-void event_init(event_hub* ev);
+// False when an event source cannot be had: its FATAL line is out, and
+// event_free still tears down what did start.
+bool event_init(event_hub* ev);
 void event_loop(event_hub* ev);
 void event_free(event_hub* ev);

@@ -34,18 +34,23 @@ const ubus_subtype subtypes[] = {
 
 }  // namespace
 
-void event_ubus_init(event_hub* ev) {
+bool event_ubus_init(event_hub* ev) {
     lynd::Bus& bus = lynd::bus();
-    if (bus.connect() != 0)
+    if (bus.connect() != 0) {
         LYND_FATAL("ubus_connect");
+        return false;
+    }
     ev->bus_connected = true;
     int rc = bus.register_event_handler("lynd.*", event_ubus_receive_cb, ev);
-    if (rc != 0)
+    if (rc != 0) {
         LYND_FATAL("ubus_register_event_handler: %s", bus.strerror(rc));
+        return false;
+    }
     bus.add_to_loop();
     bus.set_lost_handler(event_ubus_lost, ev);
     ev->bus_retry.cb = event_ubus_retry;
     LYND_LOG("init done");
+    return true;
 }
 
 void event_ubus_free(event_hub* ev) {

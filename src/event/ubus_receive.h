@@ -3,7 +3,7 @@
 #include "core/event_records.h"
 #include "platform/bus.h"
 
-void event_ubus_init(event_hub* ev);
+bool event_ubus_init(event_hub* ev);
 void event_ubus_free(event_hub* ev);
 
 // A lost bus is tried again after 1 s, then after twice as long each time, up

@@ -20,29 +20,36 @@ event_hub* hub_of_wifi_fd(lynd::LoopFd* f) {
     return static_cast<event_hub*>(lynd_container_of(f, offsetof(event_hub, wifi_fd)));
 }
 
-[[noreturn]] void wifi_fatal_closing(int fd, const char* step, int err) {
+bool wifi_fatal_closing(int fd, const char* step, int err) {
     (void)lynd::host().close_fd(fd);
     LYND_FATAL_AS("event_wifi_init", "Fatal(%s): %s", std::strerror(err), step);
+    return false;
 }
 
 }  // namespace
 
-void event_wifi_init(event_hub* ev) {
+bool event_wifi_init(event_hub* ev) {
     LYND_LOG("connect to netlink %d", 0);
     lynd::Host& host = lynd::host();
     int fd = host.nl_socket(0);
-    if (fd < 0)
+    if (fd < 0) {
         LYND_FATAL("Fatal(%s): socket", std::strerror(-fd));
+        return false;
+    }
     uint32_t port = 0;
     int rc = host.nl_bind(fd, RTMGRP_LINK_GROUP, &port);
     if (rc < 0)
-        wifi_fatal_closing(fd, "bind", -rc);
+        return wifi_fatal_closing(fd, "bind", -rc);
     ev->wifi_fd = lynd::LoopFd{};
     ev->wifi_fd.fd = fd;
     ev->wifi_fd.cb = event_wifi_nl_cb;
-    if (lynd::loop().fd_add(&ev->wifi_fd, lynd::LOOP_FD_READ) != 0)
-        wifi_fatal_closing(fd, "uloop_fd_add", errno);
+    if (lynd::loop().fd_add(&ev->wifi_fd, lynd::LOOP_FD_READ) != 0) {
+        int err = errno;
+        ev->wifi_fd = lynd::LoopFd{};
+        return wifi_fatal_closing(fd, "uloop_fd_add", err);
+    }
     LYND_LOG("init done");
+    return true;
 }
 
 void event_wifi_free(event_hub* ev) {

@@ -8,7 +8,7 @@
 
 constexpr uint32_t RTMGRP_LINK_GROUP = 1;
 
-void event_wifi_init(event_hub* ev);
+bool event_wifi_init(event_hub* ev);
 // A run that ends the process leaves the socket to the exit; a run that
 // restarts closes it, as the next run opens its own.
 void event_wifi_free(event_hub* ev);

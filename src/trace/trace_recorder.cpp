@@ -47,7 +47,6 @@ struct Recorder {
     Mode mode = Mode::OFF;
     bool installed = false;
     bool forbid = false;
-    bool exit_hook = false;
     bool start_lacking = false;  // the start's buffers could not be had
     int holds = 0;               // bus calls in flight through the recorder
     char dir[TRACE_PATH_MAX] = "/tmp/lynd";
@@ -191,12 +190,6 @@ void to_file(const char* data, size_t len) {
 
 bool asked_from_outside() { return g_rec.request[0] != '\0' || g_rec.call[0] != '\0'; }
 
-void at_exit() {
-    if (g_rec.mode == Mode::PENDING && asked_from_outside())
-        trace_settle(nullptr, 0);
-    trace_finish();
-}
-
 // The end of a trace whose file failed: one line, then no trace.
 void end_failed() {
     TraceFile& f = g_rec.buf->file;
@@ -246,10 +239,6 @@ int open_file(const char* dir, const char* name, size_t size, bool strict) {
     if (rc != 0) {
         LYND_ERR("record %s/%s: %s", dir, name, std::strerror(-rc));
         return rc;
-    }
-    if (!g_rec.exit_hook) {
-        g_rec.exit_hook = true;
-        std::atexit(at_exit);
     }
     g_rec.part = 1;
     g_rec.began = now_ms();
@@ -352,6 +341,13 @@ void trace_request(const char* path, size_t size) {
 
 void trace_forbid(bool forbid) { g_rec.forbid = forbid; }
 
+void trace_forget_requests() {
+    g_rec.request[0] = '\0';
+    g_rec.request_size = 0;
+    g_rec.call[0] = '\0';
+    g_rec.call_size = 0;
+}
+
 void trace_startup(int argc, char** argv, const char* version) {
     end_trace();
     g_rec.start_lacking = false;
@@ -371,11 +367,6 @@ void trace_startup(int argc, char** argv, const char* version) {
     g_rec.buf->pending.clear();
     g_rec.mode = Mode::PENDING;
     install();
-    if (!g_rec.exit_hook && asked_from_outside()) {
-        // A fatal start-up error exits at once: the trace still tells why.
-        g_rec.exit_hook = true;
-        std::atexit(at_exit);
-    }
 }
 
 void trace_settle(const char* name, size_t size) {
@@ -477,6 +468,12 @@ int trace_call_request(const char* name, size_t size) {
 void trace_finish() {
     end_trace();
     drop_buffers_if_idle();
+}
+
+void trace_finish_fatal() {
+    if (g_rec.mode == Mode::PENDING && asked_from_outside())
+        trace_settle(nullptr, 0);
+    trace_finish();
 }
 
 bool trace_recording() { return g_rec.mode == Mode::FILE; }

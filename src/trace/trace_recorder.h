@@ -17,6 +17,10 @@ const char* trace_dir();
 // A trace asked for from outside the configuration (lynd-sim run --record):
 // a path on the desk, unconfined.
 void trace_request(const char* path, size_t size);
+// The process's last run is over (a simulated node is switched off): the
+// traces asked for from outside hold no longer, so the next node boots with
+// none, as a router does.
+void trace_forget_requests();
 // Nothing is recorded while set (a replay must not write over its trace).
 void trace_forbid(bool forbid);
 // The first thing of a run: the decorators go in front of the seams.
@@ -38,6 +42,9 @@ int trace_control(const char* path, size_t size, bool enable);
 int trace_call_request(const char* name, size_t size);
 // The end of a run: the last records written, the seams given back.
 void trace_finish();
+// The end of a run that could not start: a trace asked for from outside
+// (the bus method, the desk) is still written, so it tells why.
+void trace_finish_fatal();
 bool trace_recording();
 const char* trace_path();
 

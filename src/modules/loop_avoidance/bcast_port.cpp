@@ -8,7 +8,6 @@
 #include "core/counters.h"
 #include "core/decision_ring.h"
 #include "core/log.h"
-#include "core/shadow.h"
 #include "core/state_file.h"
 #include "modules/loop_avoidance/loop_avoidance.h"
 #include "platform/seams.h"
@@ -154,14 +153,12 @@ void loop_avoidance_keep_picks(lynd_config* conf, int i, const bcast_picks& pk) 
 void loop_avoidance_publish_bcast_port(lynd_config* conf, int i, const char* name, const char* reason) {
     decision_record(DECISION_BCAST_PORT, conf->bridges[i].name, g_loop_avoidance.last_bcast_port[i], name, reason);
     size_t len = strnlen(name, LYND_NAME_LEN - 1);
-    if (!lynd_shadow_holds("broadcast file")) {
-        char* text = g_loop_avoidance.bcast_file_text;
-        std::memcpy(text, name, len);
-        text[len] = '\n';
-        g_loop_avoidance.bcast_file_len = static_cast<uint8_t>(len + 1);
-        g_loop_avoidance.bcast_file_pending = true;
-        (void)loop_avoidance_write_bcast_file(conf);
-    }
+    char* text = g_loop_avoidance.bcast_file_text;
+    std::memcpy(text, name, len);
+    text[len] = '\n';
+    g_loop_avoidance.bcast_file_len = static_cast<uint8_t>(len + 1);
+    g_loop_avoidance.bcast_file_pending = true;
+    (void)loop_avoidance_write_bcast_file(conf);
     std::memset(g_loop_avoidance.last_bcast_port[i], 0, LYND_NAME_LEN);
     std::memcpy(g_loop_avoidance.last_bcast_port[i], name, len);
 }
@@ -170,7 +167,7 @@ bool loop_avoidance_write_bcast_file(lynd_config* conf) {
     loop_avoidance_state& st = g_loop_avoidance;
     if (!st.bcast_file_pending)
         return true;
-    if (lynd_write_state_file(BCAST_PORT_FILE, st.bcast_file_text, st.bcast_file_len)) {
+    if (lynd_write_steering_file(BCAST_PORT_FILE, st.bcast_file_text, st.bcast_file_len, "broadcast file")) {
         st.bcast_file_pending = false;
         return true;
     }

@@ -65,10 +65,11 @@ void rate_path(const hc_client& c, const hc_path& x, uint8_t here, uint64_t sq, 
 }
 
 // A move must gain more than the threshold over where the client is.
-void damp(choice* ch, const hc_path& here, const hc_path* paths, uint8_t threshold, client_explain& e) {
-    e.ranked = ch->path;
+damping_verdict damp(choice* ch, const hc_path& here, const hc_path* paths, uint8_t threshold) {
+    damping_verdict d;
+    d.ranked = ch->path;
     if (ch->path == here.type)
-        return;
+        return d;
     uint64_t delta = static_cast<uint64_t>(threshold) + 1;
     if (ch->q != ch->cur_q) {
         if (ch->cur_q != 0 && ch->cur_q > ch->q - ch->cur_q)
@@ -78,16 +79,17 @@ void damp(choice* ch, const hc_path& here, const hc_path* paths, uint8_t thresho
     } else if (ch->cur_bq != 0 && ch->cur_bq > ch->bq - ch->cur_bq) {
         delta = (ch->bq - ch->cur_bq) * 100 / ch->cur_bq;
     }
-    e.damping_checked = true;
-    e.delta_percent = static_cast<uint32_t>(delta > UINT32_MAX ? UINT32_MAX : delta);
-    e.threshold = threshold;
+    d.checked = true;
+    d.delta_percent = static_cast<uint32_t>(delta > UINT32_MAX ? UINT32_MAX : delta);
+    d.threshold = threshold;
     if (delta > threshold)
-        return;
-    e.damped = true;
+        return d;
+    d.damped = true;
     LYND_LOG_AS(kFn, "quality: new_path=%s, last_path=%s, delta_percent=%d<%d, not change the path",
                 paths[ch->path].name, here.name, static_cast<int>(delta), threshold);
     ch->path = here.type;
     ch->q = ch->cur_q;
+    return d;
 }
 
 uint8_t choose(hc_client* c, const hc_path& here, hc_path* paths, uint8_t threshold) {
@@ -103,7 +105,7 @@ uint8_t choose(hc_client* c, const hc_path& here, hc_path* paths, uint8_t thresh
         if (path_is_live(paths[x]))
             rate_path(*c, paths[x], here.type, sq, &ch);
     client_explain& e = explain_of(c);
-    damp(&ch, here, paths, threshold, e);
+    explain_file_damping(e, damp(&ch, here, paths, threshold));
     e.best = ch.path;
     const uint8_t* m = c->hc.mac;
     LYND_LOG_AS(kFn, "client[%s] best path:%s, quality:%lld", lynd_mac(m).s,

@@ -26,12 +26,13 @@ struct Candidate {
 };
 
 // Whether the hysteresis lets c leave slot p this run.
-bool may_move(hc_client* c, const hc_path& p, int has_clients_on_busy_path, uint8_t threshold, client_explain& e) {
-    e.count_needed = threshold;
+bool may_move(hc_client* c, const hc_path& p, int has_clients_on_busy_path, uint8_t threshold, move_verdict* v) {
+    v->weighed = true;
+    v->count_needed = threshold;
     if ((has_clients_on_busy_path && p.overload != 1) || c->best_path == PATH_NONE) {
         c->busy_count = 0;
         c->idle_count = 0;
-        e.outcome = OUTCOME_NOT_BUSY;
+        v->outcome = OUTCOME_NOT_BUSY;
         LYND_INFO_AS(kFn, "not busy, not adjust :%s", p.name);
         return false;
     }
@@ -39,14 +40,15 @@ bool may_move(hc_client* c, const hc_path& p, int has_clients_on_busy_path, uint
         c->busy_count = 0;
         c->idle_count = 0;
         c->flags &= static_cast<uint8_t>(~HC_FLAG_ASSOC_NEWLY);
-        e.outcome = OUTCOME_ON_BEST;
+        v->outcome = OUTCOME_ON_BEST;
         return false;
     }
     if (p.overload == 1) {
         c->idle_count = 0;
         c->busy_count++;
-        e.outcome = OUTCOME_BUSY_WAIT;
-        e.count = c->busy_count;
+        v->outcome = OUTCOME_BUSY_WAIT;
+        v->counted = true;
+        v->count = c->busy_count;
         return c->busy_count >= threshold;
     }
     c->busy_count = 0;
@@ -54,12 +56,13 @@ bool may_move(hc_client* c, const hc_path& p, int has_clients_on_busy_path, uint
         const uint8_t* m = c->hc.mac;
         LYND_LOG_AS(kFn, "hc[%s] is assoc newly, change path %s to %s", lynd_mac(m).s, p.name,
                     hc_paths[c->best_path].name);
-        e.assoc_newly = true;
+        v->assoc_newly = true;
         return true;
     }
     c->idle_count++;
-    e.outcome = OUTCOME_IDLE_WAIT;
-    e.count = c->idle_count;
+    v->outcome = OUTCOME_IDLE_WAIT;
+    v->counted = true;
+    v->count = c->idle_count;
     return c->idle_count >= threshold;
 }
 
@@ -72,47 +75,55 @@ bool better_candidate(const Candidate& cur, const hc_client* c, const hc_path& b
     return c->hc.bytes > cur.client->hc.bytes;
 }
 
-void consider(lynd_config* conf, hc_client* c, hc_path* p, int has_busy, int handle, int64_t time_ms, Candidate* cand) {
-    if (c->magic != g_hc_magic) {
-        LYND_INFO_AS(kFn, "node magic:%x, hc magic:%d", c->magic, g_hc_magic);
-        return;
-    }
-    c->magic++;
-    client_explain& e = explain_of(c);
+// The rules in their order; the first that holds the client ends the verdict.
+move_verdict judge(lynd_config* conf, hc_client* c, hc_path* p, int has_busy, int handle, int64_t time_ms,
+                   Candidate* cand) {
+    move_verdict v;
     if (client_excluded(*c)) {
-        e.outcome = OUTCOME_EXCLUDED;
-        return;
+        v.outcome = OUTCOME_EXCLUDED;
+        return v;
     }
-    if (!may_move(c, *p, has_busy, conf->param.busy_count_threshold, e))
-        return;
+    if (!may_move(c, *p, has_busy, conf->param.busy_count_threshold, &v))
+        return v;
     if (handle == 0) {
-        e.outcome = OUTCOME_NO_HANDLE;
-        return;
+        v.outcome = OUTCOME_NO_HANDLE;
+        return v;
     }
     hc_path* bp = &hc_paths[c->best_path];
     int32_t adjust_quota = static_cast<int32_t>(conf->param.adjusted_ratio) * bp->quota / 100;
-    e.adjust_quota = adjust_quota;
     LYND_LOG_AS(kFn, "adjust_quota: %d", adjust_quota);
     uint32_t rate = path_selection_client_rate(c->hc.bytes, time_ms);
     uint32_t quota = bp->rate != 0 ? rate * 10000u / bp->rate : 0;
     const uint8_t* m = c->hc.mac;
     LYND_LOG_AS(kFn, "cur hc(%s) quota: %d rate(Mbps) %u time(ms) %lld", lynd_mac(m, '-').s, static_cast<int>(quota),
                 rate, static_cast<long long>(time_ms));
-    e.quota = quota;
-    e.rate_mbps = rate;
-    e.outcome = OUTCOME_TOO_HEAVY;
+    v.priced = true;
+    v.adjust_quota = adjust_quota;
+    v.quota = quota;
+    v.rate_mbps = rate;
+    v.outcome = OUTCOME_TOO_HEAVY;
     if (quota > static_cast<uint32_t>(adjust_quota))
-        return;
-    guard_verdict v;
-    if (flap_guard_holds(*c, p->type, bp->type, &v)) {
-        e.outcome = OUTCOME_FLAP_HELD;
-        e.guard_rule = v.rule;
-        e.guard_left_ms = v.left_ms;
-        return;
+        return v;
+    guard_verdict g;
+    if (flap_guard_holds(*c, p->type, bp->type, &g)) {
+        v.outcome = OUTCOME_FLAP_HELD;
+        v.guard_rule = g.rule;
+        v.guard_left_ms = g.left_ms;
+        return v;
     }
-    e.outcome = OUTCOME_OUTWEIGHED;  // until it is the one moved
+    v.outcome = OUTCOME_OUTWEIGHED;  // until it is the one moved
     if (better_candidate(*cand, c, *bp, *p))
         *cand = Candidate{c, bp, quota};
+    return v;
+}
+
+void consider(lynd_config* conf, hc_client* c, hc_path* p, int has_busy, int handle, int64_t time_ms, Candidate* cand) {
+    if (c->magic != g_hc_magic) {
+        LYND_INFO_AS(kFn, "node magic:%x, hc magic:%d", c->magic, g_hc_magic);
+        return;
+    }
+    c->magic++;
+    explain_file_move(explain_of(c), judge(conf, c, p, has_busy, handle, time_ms, cand));
 }
 
 uint8_t move_reason_of(const hc_client& c, const hc_path& from) {
@@ -140,22 +151,25 @@ void move_client(conf_bridge* bridge, hc_client* c, const char* src, const char*
     (void)lynd_flush_fc_flow_by_mac(c->hc.mac);
 }
 
-void move(lynd_config* conf, conf_bridge* bridge, const Candidate& cand, const hc_path& from) {
+// The bridge sends the client by the node's best path, while its record
+// joins its own best's list; a pinned client goes where it is pinned.
+void move(lynd_config* conf, conf_bridge* bridge, const Candidate& cand, const hc_path& from, const hc_path& best) {
     hc_client* c = cand.client;
     const uint8_t* m = c->hc.mac;
     LYND_INFO_AS(kFn, "set hc(%s) to %s", lynd_mac(m, '-').s, cand.bp->name);
+    const char* base = client_pinned_slot(*c) != PATH_NONE ? cand.bp->name : best.name;
     char src[LYND_NAME_LEN], dst[LYND_NAME_LEN];
     source_name(c, src);
-    path_selection_ts_dst_name(conf, cand.bp->name, src, dst);
+    path_selection_ts_dst_name(conf, base, src, dst);
     if (conf->ts.enable) {
         char home[LYND_NAME_LEN];
-        (void)lynd_get_home_name(home, cand.bp->name);
+        (void)lynd_get_home_name(home, base);
         LYND_INFO_AS(kFn, "adjust_hc->src_port:%d, src_ifname:%s, home_name:%s", static_cast<int>(c->hc.src_port), src,
                      home);
     }
     LYND_INFO_AS(kFn, "best_path_name:%s", dst);
     uint8_t reason = move_reason_of(*c, from);
-    explain_of(c).outcome = OUTCOME_MOVED;
+    explain_file_moved(explain_of(c));
     cand.bp->quota = static_cast<int16_t>(cand.bp->quota - static_cast<int16_t>(cand.quota));
     c->busy_count = 0;
     c->idle_count = 0;
@@ -189,7 +203,7 @@ void path_selection_update_uplink_hc_table_v2(lynd_config* conf, conf_bridge* br
             consider(conf, hc_client_of_path_node(n), p, has_clients_on_busy_path, handle, time_ms, &cand);
         LYND_DEBUG("handle_count:%d", handle);
         if (handle > 0 && cand.client != nullptr) {
-            move(conf, bridge, cand, *p);
+            move(conf, bridge, cand, *p, *best);
             handle--;
         }
     }

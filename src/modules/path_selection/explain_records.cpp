@@ -48,6 +48,36 @@ void explain_candidate_add(client_explain& e, const explain_candidate& cand) {
         e.cand[e.n++] = cand;
 }
 
+void explain_file_damping(client_explain& e, const damping_verdict& d) {
+    e.ranked = d.ranked;
+    if (!d.checked)
+        return;
+    e.damping_checked = true;
+    e.delta_percent = d.delta_percent;
+    e.threshold = d.threshold;
+    e.damped = d.damped;
+}
+
+// Only what the rules looked at: a field they did not reach keeps its value.
+void explain_file_move(client_explain& e, const move_verdict& v) {
+    e.outcome = v.outcome;
+    if (v.weighed)
+        e.count_needed = v.count_needed;
+    if (v.counted)
+        e.count = v.count;
+    if (v.assoc_newly)
+        e.assoc_newly = true;
+    if (v.priced) {
+        e.adjust_quota = v.adjust_quota;
+        e.quota = v.quota;
+        e.rate_mbps = v.rate_mbps;
+    }
+    if (v.outcome == OUTCOME_FLAP_HELD) {
+        e.guard_rule = v.guard_rule;
+        e.guard_left_ms = v.guard_left_ms;
+    }
+}
+
 // A client freed and taken again keeps its slot only while in the pool.
 const client_explain* explain_find(const uint8_t* mac) {
     const client_explain* newest = nullptr;

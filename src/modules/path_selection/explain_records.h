@@ -64,6 +64,32 @@ struct client_explain {
     uint8_t pinned;         // the pinned slot, PATH_NONE when not pinned
 };
 
+// What the move rules said of one client this run. The rules return it and
+// decide on it alone; explain_file_move files it.
+struct move_verdict {
+    uint8_t outcome = OUTCOME_NOT_RATED;
+    bool weighed = false;  // the hysteresis looked at it: count_needed holds
+    uint8_t count_needed = 0;
+    bool counted = false;  // a busy or idle count is being waited out
+    uint8_t count = 0;
+    bool assoc_newly = false;
+    bool priced = false;  // the quota figures below hold
+    int32_t adjust_quota = 0;
+    uint32_t quota = 0;
+    uint32_t rate_mbps = 0;
+    uint8_t guard_rule = 0;
+    int64_t guard_left_ms = 0;
+};
+
+// What the damping rule said of the ranking's best.
+struct damping_verdict {
+    uint8_t ranked = 0;  // the best by quality, before the rule
+    bool checked = false;
+    bool damped = false;
+    uint32_t delta_percent = 0;
+    uint8_t threshold = 0;
+};
+
 extern client_explain g_explain[HC_MAX_CLIENTS];
 extern int64_t g_explain_run_ms;  // the start of the last rating
 void explain_reset();
@@ -72,5 +98,8 @@ void explain_reset();
 client_explain& explain_of(const hc_client* c);
 void explain_begin(const hc_client* c, uint8_t here, uint64_t sq, uint32_t sta_rate);
 void explain_candidate_add(client_explain& e, const explain_candidate& cand);
+void explain_file_damping(client_explain& e, const damping_verdict& d);
+void explain_file_move(client_explain& e, const move_verdict& v);
+inline void explain_file_moved(client_explain& e) { e.outcome = OUTCOME_MOVED; }
 // The newest record of a client by MAC: null when it was never rated.
 const client_explain* explain_find(const uint8_t* mac);
