@@ -102,13 +102,24 @@ TEST_F(PortInventoryTest, NorelayCheckSkipsRelayMatches) {
     EXPECT_EQ(0, lynd_check_norelay_port(5, 2, list));
 }
 
-TEST_F(PortInventoryTest, HardwareAddressOfAPort) {
+TEST_F(PortInventoryTest, HardwareAddressAndModuleLookup) {
     port("ath12", 12);
     uint8_t mac[6] = {};
     EXPECT_EQ(1, lynd_get_bridge_mac("ath12", mac));
     EXPECT_EQ(12, mac[5]);
     EXPECT_EQ(0, lynd_get_bridge_mac("nope0", mac));
     EXPECT_TRUE(host.logged("] ioctl"));
+
+    lynd_list modules;
+    lynd_list_init(&modules);
+    lynd_module la{}, ps{};
+    la.id = 0;
+    ps.id = 1;
+    lynd_list_add(&la.list, &modules);
+    lynd_list_add(&ps.list, &modules);
+    EXPECT_EQ(&la, lynd_get_mod_contex(&modules, 0));
+    EXPECT_EQ(&ps, lynd_get_mod_contex(&modules, 1));
+    EXPECT_EQ(nullptr, lynd_get_mod_contex(&modules, 2));
 }
 
 configure_event g_cfg;
