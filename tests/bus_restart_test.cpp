@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/seams.h"
 #include "sim/sim_node.h"
 #include "tests/scenario_text.h"
 
@@ -25,36 +24,12 @@ std::string verdicts(const std::string& timeline_and_expect) {
     std::string error;
     if (!parse(std::string("{") + kNode + timeline_and_expect + "}", &sc, &error))
         return "parse: " + error;
-    const lynd::Seams saved = lynd::installed_seams();
     lynd::SimNode node(sc);
-    lynd::RunOutcome o = node.run("lynd", {});
-    lynd::install_seams(saved);
+    lynd::RunOutcome o = run_kept(node);
     std::string v;
     for (const auto& r : o.results)
         v += r.passed ? "P" : "F";
     return v;
-}
-
-// A link-state event flushes the bridge's table once per delivery.
-constexpr const char* kFlush = "bridgeFlushHipTable br-lan";
-
-TEST(BusRestart, EventsBeforeAndAfterAreHandledThoseDuringAreLost) {
-    std::string v = verdicts(std::string(R"(
-        "timeline": [{"at": 10, "ubus": "lynd.link_state", "data": {"link_state": 0}},
-                     {"at": 20, "bus": "down"},
-                     {"at": 22, "ubus": "lynd.link_state", "data": {"link_state": 0}},
-                     {"at": 22, "ubus": "lynd.configure", "data": {"mode": "HAP"}},
-                     {"at": 30, "bus": "up"},
-                     {"at": 45, "ubus": "lynd.link_state", "data": {"link_state": 0}}],
-        "expect": [{"call": ")") + kFlush + R"(", "count": 1, "from": 10, "to": 10},
-                   {"call": ")" + kFlush + R"(", "count": 0, "from": 20, "to": 34},
-                   {"log_absent": "work mode: 2"},
-                   {"call": ")" + kFlush + R"(", "count": 1, "from": 45, "to": 45},
-                   {"log_contains": "<LYND_ERR>[event_ubus_lost, ", "count": 1},
-                   {"log_contains": "<LYND_INFO>[event_ubus_retry, ", "count": 1},
-                   {"log_contains": "] link-state events sent while ubus was away may have been missed", "count": 1},
-                   {"exit": 0}])");
-    EXPECT_EQ("PPPPPPPP", v);
 }
 
 // Tries at 1, 2, 4 and then every 8 seconds: lost at 10, tried at 11, 13,

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "config/config.h"
+#include "file_text.h"
 #include "sim_fixture.h"
 #include "targets/check/config_check.h"
 
@@ -79,12 +80,7 @@ TEST_F(ConfigCheckTest, RivalsForOnePathSlotAreNamed) {
     EXPECT_TRUE(says("warning: interfaces.eth2: not a path: eth3, later in the file, takes the only ethernet path "
                      "slot; only the last non-relay interface of a type is a path"));
     // The shipped file keeps its second uplink for loop avoidance only.
-    std::FILE* f = std::fopen(LYND_SOURCE_DIR "/openwrt/files/lynd.json", "rb");
-    ASSERT_NE(nullptr, f);
-    std::string text(4096, '\0');
-    text.resize(std::fread(&text[0], 1, text.size(), f));
-    std::fclose(f);
-    EXPECT_EQ(CHECK_CLEAN, check(text, true));
+    EXPECT_EQ(CHECK_CLEAN, check(slurp(LYND_SOURCE_DIR "/openwrt/files/lynd.json"), true));
     EXPECT_TRUE(says("note: interfaces.eth1: not a path: eth2, later in the file, takes the only ethernet path slot"));
 }
 

@@ -31,13 +31,9 @@ TEST_F(ConfigParamTest, PeriodIsRaisedToAMultipleOfTheShortPeriod) {
     }
 }
 
-TEST_F(ConfigParamTest, EmptyGroupGivesDefaultsAndNoGroupZeros) {
+// The plain defaults: config_parse_test (a "param" of another kind).
+TEST_F(ConfigParamTest, EmptyGroupGivesBandDefaultsAndNoGroupZeros) {
     const conf_param& p = param("{}");
-    EXPECT_EQ(ints({60, 70, 10, 0, 10, 1, 1, 50, 3, 1, 30}),
-              ints({p.low_threshold, p.high_threshold, p.delta_threshold, p.cpu_threshold, p.idle_threshold,
-                    p.activate_pkts, p.adjusted_streams, p.adjusted_ratio, p.busy_count_threshold, p.handle_count,
-                    p.weaklink_bestpath_txrate_delta}));
-    EXPECT_EQ(ints({0, 0, 50}), ints({int(p.exchange_vid[0]), int(p.exchange_vid[1]), int(p.exchange_vid[2])}));
     EXPECT_EQ(ints({0, 0, 13, 13, 13, 13}),
               std::vector<int>(p.abnormal_threshold_txrate_rxrate, p.abnormal_threshold_txrate_rxrate + 6));
     const int b = BAND_6G;

@@ -139,15 +139,4 @@ TEST_F(ConfigParseTest, ValuesOfAnotherKindReadAsHavingNoMembers) {
     EXPECT_TRUE(host.console_lines().empty());  // no ERR at the default level
 }
 
-// The configuration the package installs must load as it stands.
-TEST_F(ConfigParseTest, PackagedDefaultLoads) {
-    std::FILE* f = std::fopen(LYND_SOURCE_DIR "/openwrt/files/lynd.json", "rb");
-    ASSERT_NE(nullptr, f);
-    std::string text(LYND_CONFIG_MAX_SIZE, '\0');
-    text.resize(std::fread(&text[0], 1, text.size(), f));
-    std::fclose(f);
-    ASSERT_EQ(config_parse_result::OK, parse(text));
-    EXPECT_TRUE(conf.enable && conf.n_bridges == 1);
-}
-
 }  // namespace

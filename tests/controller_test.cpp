@@ -12,11 +12,7 @@ namespace {
 const char* const kFind = "ubus -t 2 call map meshd {\"action\":\"findcontroller\"}";
 const char* const kBhEth = "ubus -t 2 call map get_bh_eth";
 
-std::string mac_of(const uint8_t* m) {
-    char s[18];
-    std::snprintf(s, sizeof s, "%02x:%02x:%02x:%02x:%02x:%02x", m[0], m[1], m[2], m[3], m[4], m[5]);
-    return s;
-}
+std::string mac_of(const uint8_t* m) { return lynd_mac(m).s; }
 
 std::string found(const std::string& reply) {
     uint8_t mac[6] = {9, 9, 9, 9, 9, 9};

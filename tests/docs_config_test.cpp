@@ -3,8 +3,6 @@
 // the type and range the loader applies, and nothing else is listed.
 #include <gtest/gtest.h>
 
-#include <dirent.h>
-
 #include <cctype>
 #include <map>
 #include <set>
@@ -13,6 +11,7 @@
 
 #include "config/config_keys.h"
 #include "file_text.h"
+#include "files_under.h"
 
 namespace {
 
@@ -79,26 +78,6 @@ doc_rows read_doc(const std::string& text) {
     return rows;
 }
 
-std::vector<std::string> source_files(const std::string& dir) {
-    std::vector<std::string> out;
-    DIR* d = opendir(dir.c_str());
-    if (d == nullptr)
-        return out;
-    while (dirent* e = readdir(d)) {
-        std::string name = e->d_name;
-        if (name == "." || name == "..")
-            continue;
-        std::string path = dir + "/" + name;
-        if (e->d_type == DT_DIR)
-            for (const std::string& f : source_files(path))
-                out.push_back(f);
-        else if (name.size() > 4 && (name.compare(name.size() - 4, 4, ".cpp") == 0 || name.back() == 'h'))
-            out.push_back(path);
-    }
-    closedir(d);
-    return out;
-}
-
 // Every "word" in quotes: a lowercase name that could be a key.
 std::vector<std::string> quoted_words(const std::string& text) {
     std::vector<std::string> out;
@@ -117,7 +96,9 @@ std::vector<std::string> quoted_words(const std::string& text) {
 // sources is asked for, in every section (a per-band key by its _2g form).
 std::map<std::pair<config_section, std::string>, const config_key*> daemon_keys() {
     std::map<std::pair<config_section, std::string>, const config_key*> keys;
-    for (const std::string& file : source_files(kSource + "/src")) {
+    std::vector<std::string> files;
+    files_under(kSource + "/src", {".cpp", ".h"}, &files);
+    for (const std::string& file : files) {
         for (const std::string& word : quoted_words(slurp(file))) {
             for (const auto& h : kHeadings) {
                 std::string name = word;

@@ -12,20 +12,16 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "core/counters.h"
+#include "file_text.h"
 #include "targets/linux/linux_host.h"
+#include "temp_dir.h"
 
 namespace {
-
-std::string read_all(const std::string& path) {
-    std::ifstream in(path);
-    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
 
 // Every entry of dir but . and .., so a leftover under any name is seen.
 int entries_in(const std::string& dir) {
@@ -55,24 +51,15 @@ std::string stderr_of_console_write(const char* console, const char* line) {
     dup2(saved, STDERR_FILENO);
     close(saved);
     close(fd);
-    std::string got = read_all(path);
+    std::string got = slurp(path);
     std::remove(path);
     return got;
 }
 
 class LinuxHostFiles : public ::testing::Test {
 protected:
-    void SetUp() override {
-        char tmpl[] = "/tmp/lynd_host_XXXXXX";
-        ASSERT_NE(nullptr, mkdtemp(tmpl));
-        dir = tmpl;
-    }
-    void TearDown() override {
-        for (const char* f : {"state", "state.tmp", "victim", "other"})
-            std::remove((dir + "/" + f).c_str());
-        rmdir(dir.c_str());
-    }
-    std::string dir;
+    TempDir tmp;
+    const std::string& dir = tmp.path;
     lynd::LinuxHost host{nullptr};
 };
 
@@ -83,8 +70,8 @@ TEST_F(LinuxHostFiles, PlantedFilesAndLinksNeitherRedirectNorBlockAStateFile) {
     { std::ofstream(victim) << "precious"; }
     ASSERT_EQ(0, symlink(victim.c_str(), (state + ".tmp").c_str()));
     ASSERT_TRUE(host.write_file(state.c_str(), "ath12\n", 6, nullptr));
-    EXPECT_EQ("ath12\n", read_all(state));
-    EXPECT_EQ("precious", read_all(victim));
+    EXPECT_EQ("ath12\n", slurp(state));
+    EXPECT_EQ("precious", slurp(victim));
     struct stat st{};
     ASSERT_EQ(0, lstat((state + ".tmp").c_str(), &st));
     EXPECT_TRUE(S_ISLNK(st.st_mode));
@@ -96,10 +83,10 @@ TEST_F(LinuxHostFiles, PlantedFilesAndLinksNeitherRedirectNorBlockAStateFile) {
     ASSERT_EQ(0, std::remove(state.c_str()));
     ASSERT_EQ(0, symlink(victim.c_str(), state.c_str()));
     ASSERT_TRUE(host.write_file(state.c_str(), "ath02\n", 6, nullptr));
-    EXPECT_EQ("precious", read_all(victim));
+    EXPECT_EQ("precious", slurp(victim));
     ASSERT_EQ(0, lstat(state.c_str(), &st));
     EXPECT_TRUE(S_ISREG(st.st_mode));
-    EXPECT_EQ("ath02\n", read_all(state));
+    EXPECT_EQ("ath02\n", slurp(state));
 
     // No temporary file is left behind: state, the planted link, the victim.
     EXPECT_EQ(3, entries_in(dir));
@@ -114,27 +101,21 @@ TEST_F(LinuxHostFiles, APlantedFileAtTheOldNameIsLeftAlone) {
     struct stat before{};
     ASSERT_EQ(0, stat(planted.c_str(), &before));
     ASSERT_TRUE(host.write_file(state.c_str(), "br-lan\n", 7, nullptr));
-    EXPECT_EQ("br-lan\n", read_all(state));
-    EXPECT_EQ("planted", read_all(planted));
+    EXPECT_EQ("br-lan\n", slurp(state));
+    EXPECT_EQ("planted", slurp(planted));
     struct stat after{};
     ASSERT_EQ(0, stat(state.c_str(), &after));
     EXPECT_NE(before.st_ino, after.st_ino);
     EXPECT_EQ(2, entries_in(dir));
 }
 
-// Without a console the line reaches standard error, which procd logs.
-TEST(LinuxHostConsole, AMissingConsoleFallsBackToStandardError) {
-    EXPECT_EQ("<LYND_ERR>[x, 1] lost?\n", stderr_of_console_write("/nonexistent/console", "<LYND_ERR>[x, 1] lost?\n"));
-}
-
-// A console that opens but takes no bytes (a full device) loses nothing either.
-TEST(LinuxHostConsole, AnUnwritableConsoleFallsBackToStandardError) {
-    EXPECT_EQ("<LYND_WARN>[y, 2] full\n", stderr_of_console_write("/dev/full", "<LYND_WARN>[y, 2] full\n"));
-}
-
-// With a console that works, standard error stays quiet.
-TEST(LinuxHostConsole, AWorkingConsoleLeavesStandardErrorAlone) {
-    EXPECT_EQ("", stderr_of_console_write("/dev/null", "<LYND_INFO>[z, 3] fine\n"));
+// A console missing or taking no bytes (a full device) hands the line to
+// standard error, which procd logs; a working one leaves it quiet.
+TEST(LinuxHostConsole, ALineTheConsoleCannotTakeGoesToStandardError) {
+    const char line[] = "<LYND_ERR>[x, 1] lost?\n";
+    EXPECT_EQ(line, stderr_of_console_write("/nonexistent/console", line));
+    EXPECT_EQ(line, stderr_of_console_write("/dev/full", line));
+    EXPECT_EQ("", stderr_of_console_write("/dev/null", line));
 }
 
 // A tool that cannot be run is -1, told apart from one that ran and failed,
@@ -153,10 +134,6 @@ TEST_F(LinuxHostFiles, AToolThatCannotBeRunIsMinusOne) {
     const char* const exits_127[] = {"sh", "-c", "exit 127", nullptr};
     EXPECT_EQ(127, host.run_status(exits_127));
 }
-
-}  // namespace
-
-namespace {
 
 // A directory or a full disk where a state file goes: the write fails and
 // says why, and leaves nothing behind.
@@ -179,9 +156,8 @@ TEST_F(LinuxHostFiles, AWriteThatCannotBeMadeSaysWhy) {
 // dropped. Run in a child, so that a write that blocks fails the test
 // instead of hanging it.
 TEST(LinuxHostConsole, AStalledConsoleNeverBlocks) {
-    char dir[] = "/tmp/lynd_console_XXXXXX";
-    ASSERT_NE(nullptr, mkdtemp(dir));
-    const std::string fifo = std::string(dir) + "/console";
+    TempDir dir;
+    const std::string fifo = dir.path + "/console";
     ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
     int reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
     int filler = open(fifo.c_str(), O_WRONLY | O_NONBLOCK);
@@ -211,8 +187,6 @@ TEST(LinuxHostConsole, AStalledConsoleNeverBlocks) {
     }
     close(filler);
     close(reader);
-    std::remove(fifo.c_str());
-    rmdir(dir);
 }
 
 }  // namespace

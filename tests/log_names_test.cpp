@@ -6,13 +6,10 @@
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "core/log.h"
-#include "platform/seams.h"
 #include "scenario_text.h"
 #include "sim/sim_node.h"
 
@@ -242,15 +239,9 @@ const NamedLine* row_of(const std::string& line, std::string* fn) {
 }
 
 std::vector<std::string> verbose_log(const std::string& name) {
-    std::ifstream in(std::string(LYND_SOURCE_DIR) + "/scenarios/" + name + ".json");
-    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    lynd::Scenario sc;
-    std::string error;
-    EXPECT_TRUE(parse(text, &sc, &error)) << name << ": " << error;
-    const lynd::Seams saved = lynd::installed_seams();
+    const lynd::Scenario sc = bundled(name);
     lynd::SimNode node(sc);
-    node.run("lynd", {"-l", "6"});
-    lynd::install_seams(saved);
+    run_kept(node, {"-l", "6"});
     g_lynd_dgb_lvl = 1;
     g_dgb_lvl = 0;
     return node.host().console_lines();

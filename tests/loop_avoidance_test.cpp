@@ -66,9 +66,7 @@ TEST_F(LoopAvoidanceTest, ModesProgramTheSwitchesAndHapActsAsFap) {
         EXPECT_EQ(r.forwarding, b.forwarding_mode) << r.name;
         EXPECT_EQ(1, b.tcp_sp);
         EXPECT_EQ(0, b.follow_re);  // follow-RE needs path selection on the bridge too
-        EXPECT_STREQ(r.name, loop_avoidance_mode_name(r.mode));
     }
-    EXPECT_STREQ("Invalid", loop_avoidance_mode_name(7));
     conf.bridges[0].flags |= BR_FLAG_PATH_SELECTION;
     loop_avoidance_configure_bridge_with_mode(&conf, WORK_MODE_RE);
     EXPECT_EQ(1, bridge.find("br-lan")->follow_re);
@@ -94,22 +92,6 @@ TEST_F(LoopAvoidanceTest, ThePickTakesTheBestLinkThenTheEarlierPortAndOnlyItsCla
     EXPECT_EQ(10, lynd_get_link_prio(IF_TYPE_5G));
 }
 
-TEST_F(LoopAvoidanceTest, RelayPortsAlwaysBroadcastAndTheFileIsWrittenOnChangeOnly) {
-    loop_avoidance_set_bcast_port(&conf);
-    EXPECT_EQ(1, setting("ath12", &lynd::SimPortState::broadcast));
-    EXPECT_EQ(0, setting("ath02", &lynd::SimPortState::broadcast));
-    EXPECT_EQ(1, setting("ath0", &lynd::SimPortState::broadcast));
-    EXPECT_EQ(0, setting("eth1", &lynd::SimPortState::broadcast));  // configured non-relay here
-    EXPECT_EQ("ath12\n", file());
-    EXPECT_EQ(IF_TYPE_5G, conf.bridges[0].bcast_type);
-    loop_avoidance_set_bcast_port(&conf);
-    EXPECT_EQ(1, host.writes(BCAST_PORT_FILE));
-    link("ath12", false);
-    loop_avoidance_set_bcast_port(&conf);
-    EXPECT_EQ("ath02\n", file());
-    EXPECT_EQ(IF_TYPE_2G, conf.bridges[0].bcast_type);
-}
-
 TEST_F(LoopAvoidanceTest, PathSelectionMovesTheBroadcastPortAndTakesOthersAway) {
     g_lynd_dgb_lvl = LYND_LVL_ERR;
     conf.interfaces[1].if_class = 1;  // ath02 broadcasts as class 1
@@ -133,24 +115,6 @@ TEST_F(LoopAvoidanceTest, PathSelectionMovesTheBroadcastPortAndTakesOthersAway) 
     EXPECT_EQ(writes, host.writes(BCAST_PORT_FILE));
 }
 
-TEST_F(LoopAvoidanceTest, EthernetRelayFollowsItsSwitchPortAndFailuresDoNotStopTheRun) {
-    conf.ev.eth_state[0] = 1;
-    conf.interfaces[0].relay = true;
-    bridge.add_failure(lynd::SimFailure{"bridgeSetIFCompat", -1, "ath02", 0, -1});
-    loop_avoidance_configure_bridge_with_mode(&conf, WORK_MODE_RE);
-    EXPECT_FALSE(conf.interfaces[0].relay);
-    EXPECT_EQ(0, setting("eth1", &lynd::SimPortState::group));
-    EXPECT_EQ(-1, setting("ath02", &lynd::SimPortState::compat_group));
-    EXPECT_EQ(IF_TYPE_2G, setting("ath02", &lynd::SimPortState::type));  // the rest of its calls were made
-    EXPECT_TRUE(host.logged("] bridgeSetIFCompat ifname ath02"));
-    conf.ev.eth_state[0] = 0;
-    conf.interfaces[0].compat_group = 5;  // no switch port: always relay
-    conf.ev.eth_state[1] = 1;
-    loop_avoidance_configure_bridge_with_mode(&conf, WORK_MODE_RE);
-    EXPECT_TRUE(conf.interfaces[0].relay);
-    EXPECT_EQ(1, setting("eth1", &lynd::SimPortState::broadcast));
-}
-
 class LoopAvoidanceEventsTest : public LoopAvoidanceTest {
 protected:
     void SetUp() override {
@@ -167,14 +131,6 @@ protected:
     void bridge_msg(uint32_t type, const std::string& body = "") {
         bridge_event ev{type, body.size(), reinterpret_cast<const uint8_t*>(body.data())};
         event_run_cb(&conf.ev, EVENT_BRIDGE, &ev);
-    }
-    static std::string fdb_from(uint32_t ifindex) {
-        std::string e(20, '\0');
-        e[0] = 0x02;
-        e[5] = 0x09;
-        e[6] = static_cast<char>(ifindex & 0xff);
-        e[12] = static_cast<char>(ifindex >> 8);
-        return e;
     }
     lynd_module* module = nullptr;
 };
@@ -216,22 +172,6 @@ TEST_F(LoopAvoidanceEventsTest, EachBridgeMessageTypeHasItsAction) {
     bridge_msg(7, "short");
     EXPECT_TRUE(host.logged("] fdb update of 5 bytes, 13 needed: dropped"));
     EXPECT_TRUE(wlan.actions().empty());
-}
-
-// Who learnt the address decides whether the WDS entries on the relay
-// access points are stale.
-TEST_F(LoopAvoidanceEventsTest, WdsEntriesGoWhenTheClientIsLearntAwayFromARelayPort) {
-    const struct {
-        unsigned from;
-        bool deleted;
-    } rows[] = {{2, true}, {3, true}, {11, true}, {21, false}, {99, false}};
-    for (const auto& r : rows) {
-        size_t before = wlan.actions().size();
-        bridge_msg(7, fdb_from(r.from));
-        EXPECT_EQ(r.deleted ? before + 2 : before, wlan.actions().size()) << r.from;
-    }
-    EXPECT_EQ("wds_delete ath0 02:00:00:00:00:09", wlan.actions()[0]);
-    EXPECT_EQ("wds_delete ath1 02:00:00:00:00:09", wlan.actions()[1]);
 }
 
 }  // namespace

@@ -1,12 +1,9 @@
 // Rating paths from samples and counters, their quotas, and the best path.
-#include <algorithm>
 
-#include "node/host_stats.h"
 #include "modules/path_selection/best_path.h"
 #include "modules/path_selection/path_state.h"
 #include "modules/path_selection/sampling.h"
 #include "ps_fixture.h"
-#include "sim/node/sim_cpu.h"
 
 namespace {
 
@@ -121,46 +118,6 @@ TEST_F(PathRatingTest, MeansOverTheNewestSamplesCostOnePassWhateverN) {
     EXPECT_EQ(-14, huge.rssi);
 }
 
-TEST_F(PathRatingTest, CpuOverloadClosesOnlyTheTwoFourPath) {
-    lynd::SimCpu cpu;
-    host.set_cpu(&cpu);
-    cpu.set_points({{0, 10}, {10000, 97}});
-    conf.param.cpu_threshold = 90;
-    g_lynd_dgb_lvl = LYND_LVL_WARN;
-    loop.advance(10000);
-    (void)lynd_calculate_cpu_occupy();
-    loop.advance(10000);
-    hc_paths[IF_TYPE_2G].util = 30;
-    hc_paths[IF_TYPE_5G].util = 20;
-    hc_paths[IF_TYPE_5G].reserved_ratio = 10;
-    path_selection_init_path_quota_v2(&conf.bridges[0], hc_paths);
-    EXPECT_EQ(0, hc_paths[IF_TYPE_2G].quota);
-    EXPECT_EQ(7000, hc_paths[IF_TYPE_5G].quota);
-    EXPECT_TRUE(host.logged("] cpu overload! lynd will not select 2.4G!"));
-    int busy = 0;
-    EXPECT_EQ(1, path_selection_check_path_overload_v2(&conf.bridges[0], hc_paths, &busy));
-    EXPECT_EQ(1, hc_paths[IF_TYPE_2G].overload);
-    EXPECT_EQ(0, busy);  // no clients on it
-}
-
-TEST_F(PathRatingTest, AnAbnormalPathIsEmptiedOntoTheBestAndReconnected) {
-    hc_paths[IF_TYPE_5G].state = PATH_ABNORMAL;
-    hc_client* a = client(1, IF_TYPE_5G);
-    hc_client* b = client(2, IF_TYPE_5G, 20);
-    host.set_tool("wpa_cli -p /var/run/wpa_supplicant-ath12 -i ath12 reconnect", "", 0);
-    path_selection_pre_update_weak_abnormal_path(&conf.bridges[0], hc_paths);
-    EXPECT_EQ(PATH_NORMAL, conf.bridges[0].best_state);
-    EXPECT_TRUE(on(a, IF_TYPE_2G));
-    EXPECT_TRUE(on(b, IF_TYPE_2G));
-    EXPECT_EQ(1u, bridge.count_calls("bridgeSetHCTableEntries br-lan " + mac_of(2) + " " + mac_of(2) + " ath0 ath02"));
-    EXPECT_EQ(1u, std::count(host.runs().begin(), host.runs().end(),
-                             "wpa_cli -p /var/run/wpa_supplicant-ath12 -i ath12 reconnect"));
-    hc_paths[IF_TYPE_2G].state = PATH_ABNORMAL;
-    g_lynd_dgb_lvl = LYND_LVL_WARN;
-    path_selection_pre_update_weak_abnormal_path(&conf.bridges[0], hc_paths);
-    EXPECT_TRUE(host.logged("] highest priority link state:ABNORMAL, can not adjust!"));
-}
-
 TEST_F(PathRatingTest, AWiredClientMovesOnlyForMoreThanTheDeltaThreshold) {
     hc_path& two = hc_paths[IF_TYPE_2G];
     hc_path& five = hc_paths[IF_TYPE_5G];
@@ -188,20 +145,6 @@ TEST_F(PathRatingTest, TheNodesBestComesFromItsOwnRecordUnlessAllIsOverloaded) {
     g_lynd_dgb_lvl = LYND_LVL_LOG;
     EXPECT_EQ(nullptr, path_selection_find_best_path_v2(hc_paths));
     EXPECT_TRUE(host.logged("] best path:nil"));
-}
-
-TEST_F(PathRatingTest, QualityFormulas) {
-    EXPECT_EQ(27272u, path_selection_path_quality(60000, 50000, true, true));   // shared radio
-    EXPECT_EQ(40000u, path_selection_path_quality(40000, 50000, true, false));  // the weaker link
-    EXPECT_EQ(60000u, path_selection_path_quality(60000, 0, true, true));
-    EXPECT_EQ(60000u, path_selection_path_quality(60000, 50000, false, true));
-    hc_path p{};
-    p.quota = 6000;
-    p.rate = 400;
-    p.priority = 0;  // weighs 80
-    EXPECT_EQ(60u * 400u * 80u, path_selection_backhaul_quality(p));
-    p.priority = 10;
-    EXPECT_EQ(60u * 400u * 280u, path_selection_backhaul_quality(p));
 }
 
 TEST_F(PathRatingTest, AStationRatesByItsRingAndAWiredOneAtAGigabit) {

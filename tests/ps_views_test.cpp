@@ -1,12 +1,8 @@
 // What path selection shows and how it reacts at once: the snapshot file,
-// the console tables, debug requests, the emergency choice, VLAN targets.
-#include "config/ts_vlan.h"
+// the console tables, debug requests.
 #include "modules/path_selection/debug_hc.h"
 #include "modules/path_selection/dumps.h"
-#include "modules/path_selection/emergency.h"
-#include "modules/path_selection/ts_destination.h"
 #include "ps_fixture.h"
-#include "wlan/wlan.h"
 
 namespace {
 
@@ -69,60 +65,6 @@ TEST_F(PsViewsTest, DebugRequestsSwitchDumpsOverloadAndPathFigures) {
     ev.subtype = 9;
     path_selection_event_debug_hc(&ev);
     EXPECT_TRUE(host.logged("] dbg subtype 9 not implemented yet"));
-}
-
-TEST_F(PsViewsTest, EmergencyPicksTheLinkedPathOfHighestPriority) {
-    g_lynd_dgb_lvl = LYND_LVL_INFO;
-    lynd::SimLink down;
-    down.up = false;
-    wlan.set_link("ath12", lynd::SimLink{});
-    wlan.set_link("ath02", down);
-    hc_client* c = client(1, IF_TYPE_2G);
-    path_selection_event_link_state_hc(&conf);
-    EXPECT_EQ(PATH_UNLINK, hc_paths[IF_TYPE_2G].state);
-    EXPECT_TRUE(host.logged("] Emergently set preferred to ath12"));
-    EXPECT_EQ(12u, bridge.find("br-lan")->preferred);
-    EXPECT_TRUE(on(c, IF_TYPE_5G));
-    EXPECT_EQ(0, lynd_get_link_state_changed());
-
-    wlan.set_link("ath12", down);
-    path_selection_event_link_state_hc(&conf);  // nothing up: no preferred port, the table is flushed
-    EXPECT_EQ(1u, bridge.count_calls("bridgeSetHcPreferred "));
-    EXPECT_EQ(1u, bridge.count_calls("bridgeFlushHCTable br-lan"));
-}
-
-TEST_F(PsViewsTest, TrafficSeparationSendsAClientToItsOwnVlan) {
-    host.add_interface({"ath1.20", 40, {}});
-    host.add_interface({"ath12.10", 41, {}});
-    host.add_interface({"ath12.20", 42, {}});
-    conf.ts.enable = true;
-    conf.ts.primary_vlan = 10;
-    conf.ts.policy_count = 2;
-    conf.ts.vlan_count = 2;
-    conf.ts.vlan_ids[0] = 10;
-    conf.ts.vlan_ids[1] = 20;
-    add_iface(conf, "ath1.20", IF_TYPE_5G).ts_vlan_id = 20;
-    std::snprintf(hc_paths[IF_TYPE_5G].name, LYND_NAME_LEN, "ath12.10");
-    hc_client* c = client(1, IF_TYPE_5G, 40);
-    c->hc.dst_port = 41;
-    path_selection_check_dst_vlan_hc_table(&conf, &conf.bridges[0], hc_paths);
-    EXPECT_EQ(42u, c->hc.dst_port);
-    EXPECT_EQ(1u, bridge.count_calls("bridgeSetHCTableEntries br-lan " + mac_of(1) + " " + mac_of(1) + " ath1.20 ath12.20"));
-    hc_client* plain = client(2, IF_TYPE_5G, 21);  // no VLAN of its own: the primary one
-    plain->hc.dst_port = 41;
-    path_selection_check_dst_vlan_hc_table(&conf, &conf.bridges[0], hc_paths);
-    EXPECT_EQ(41u, plain->hc.dst_port);
-    EXPECT_EQ(1u, bridge.count_calls("bridgeSetHCTableEntries"));  // already right: nothing written
-    hc_client* lost = client(3, IF_TYPE_2G, 40);  // its VLAN has no interface on 2.4G: left as it is
-    path_selection_check_dst_vlan_hc_table(&conf, &conf.bridges[0], hc_paths);
-    EXPECT_EQ(2u, lost->hc.dst_port);
-    EXPECT_EQ(1u, bridge.count_calls("bridgeSetHCTableEntries"));
-    char dst[LYND_NAME_LEN];
-    path_selection_ts_dst_name(&conf, "ath02", "ath1.20", dst);
-    EXPECT_STREQ("ath02.20", dst);
-    conf.ts.enable = false;
-    path_selection_ts_dst_name(&conf, "ath02", "ath1.20", dst);
-    EXPECT_STREQ("ath02", dst);
 }
 
 }  // namespace

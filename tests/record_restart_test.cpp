@@ -12,6 +12,7 @@
 
 #include "full_disk.h"
 #include "file_text.h"
+#include "scenario_text.h"
 #include "sim/desk/replay_run.h"
 #include "sim/scenario/scenario.h"
 #include "sim/sim_node.h"
@@ -29,8 +30,8 @@ protected:
     void SetUp() override {
         dir = lynd::trace_dir_make();
         ASSERT_FALSE(dir.empty());
-        std::string text = slurp(std::string(LYND_SOURCE_DIR) + "/scenarios/record_restart.json"), error;
-        ASSERT_TRUE(lynd::scenario_parse(text.data(), text.size(), &sc, &error)) << error;
+        sc = bundled("record_restart");
+        sc.timeline[0].data = "{\"enable\":true,\"file\":\"lynd.trace\",\"size\":4194304}";
     }
     void TearDown() override {
         // The bus method's trace holds for later runs of the process.
@@ -76,7 +77,6 @@ protected:
 };
 
 TEST_F(RecordRestartTest, TheCallIsAnsweredThenTheRunRestartsAndItsTraceReplaysIdentically) {
-    sc.timeline[0].data = "{\"enable\":true,\"file\":\"lynd.trace\",\"size\":4194304}";
     run();
     EXPECT_EQ(0, exit_status);
     EXPECT_EQ(2u, starts);
@@ -94,7 +94,6 @@ TEST_F(RecordRestartTest, TheCallIsAnsweredThenTheRunRestartsAndItsTraceReplaysI
 }
 
 TEST_F(RecordRestartTest, DisablingEndsTheTraceWithoutARestart) {
-    sc.timeline[0].data = "{\"enable\":true,\"file\":\"lynd.trace\",\"size\":4194304}";
     call_record(100, "{\"enable\":false}");
     run();
     EXPECT_EQ(2u, starts);
@@ -164,20 +163,7 @@ TEST_F(RecordRestartTest, ARefusedCallTouchesNothingRestartsNothingAndSaysWhy) {
     dir = lynd::trace_dir_make();
 }
 
-TEST_F(RecordRestartTest, TooLittleRoomOnTheFilesystemRefusesTheCall) {
-    sc.timeline[0].data = "{\"enable\":true,\"file\":\"lynd.trace\",\"size\":4194304}";
-    sc.fs_avail = 20 << 20;  // 8 MiB of traces would leave 12 of 64, under a quarter
-    sc.fs_total = 64 << 20;
-    watch = {"would leave too little room"};
-    run();
-    ASSERT_EQ(1u, calls.size());
-    EXPECT_EQ(9, calls[0].status);
-    EXPECT_EQ(1u, seen[0]);
-    EXPECT_EQ(1u, starts);
-}
-
 TEST_F(RecordRestartTest, AFullFilesystemEndsTheTraceWithOneLineAndTheDaemonGoesOn) {
-    sc.timeline[0].data = "{\"enable\":true,\"file\":\"lynd.trace\",\"size\":4194304}";
     g_room = 100000;
     lynd::trace_set_writer(fill_up);
     watch = {"No space left on device: the trace ends here"};
@@ -199,7 +185,6 @@ TEST_F(RecordRestartTest, ARestartWhoseFileNoLongerLoadsKeepsTheRunningConfigura
     broken.kind = lynd::TimelineKind::FILE;
     broken.name = "/etc/lynd.json";
     broken.data = "{\"enable\": true, \"bridges\": ";
-    sc.timeline[0].data = "{\"enable\":true,\"file\":\"lynd.trace\",\"size\":4194304}";
     sc.timeline.insert(sc.timeline.begin(), broken);
     watch = {"/etc/lynd.json no longer loads", "the running configuration stays"};
     run();
@@ -216,7 +201,6 @@ TEST_F(RecordRestartTest, ARestartWhoseFileNoLongerLoadsKeepsTheRunningConfigura
 TEST_F(RecordRestartTest, AConfigurationOfNearlyTheLargestSizeIsRecordedAndReplays) {
     size_t brace = sc.config_text.rfind('}');
     sc.config_text.insert(brace, std::string(250 * 1024, ' ') + "\n");
-    sc.timeline[0].data = "{\"enable\":true,\"file\":\"lynd.trace\",\"size\":4194304}";
     run();
     ASSERT_EQ(1u, calls.size());
     EXPECT_EQ(0, calls[0].status);

@@ -26,6 +26,8 @@ bool parse_entry(const std::string& entry, Scenario* sc, std::string* error) {
     return parse(std::string("{") + kNode + R"(, "timeline": [{"at": 5, )" + entry + "}]}", sc, error);
 }
 
+Scenario entry(const std::string& e) { return parsed(std::string("{") + kNode + R"(, "timeline": [{"at": 5, )" + e + "}]}", e); }
+
 const uint8_t* bytes(const std::string& s) { return reinterpret_cast<const uint8_t*>(s.data()); }
 
 // The bridge event the daemon makes of a datagram.
@@ -36,14 +38,10 @@ bridge_event received(const std::string& datagram) {
 }
 
 TEST_F(ScenarioMessages, HcEntriesAreReadAsTheRecordsWritten) {
-    Scenario sc;
-    std::string error;
-    ASSERT_TRUE(parse_entry(R"("netlink": {"hc_entry": [
+    Scenario sc = entry(R"("netlink": {"hc_entry": [
         {"mac": "02:00:00:00:0a:01", "dst": "ath12", "src": "ath0", "packets": 72623859790382856,
          "bytes": 1230066625199609624},
-        {"mac": "02:00:00:00:0a:02", "id": "02:00:00:00:0b:02", "dst": 4294967295, "src": 258}]})",
-                            &sc, &error))
-        << error;
+        {"mac": "02:00:00:00:0a:02", "id": "02:00:00:00:0b:02", "dst": 4294967295, "src": 258}]})");
     bridge_event be = received(sc.timeline[0].data);
     EXPECT_EQ(uint32_t{MSG_NEW_HC_ENTRY}, be.msg_type);
     ASSERT_EQ(2 * sizeof(hc_entry), be.data_len);
@@ -63,12 +61,8 @@ TEST_F(ScenarioMessages, HcEntriesAreReadAsTheRecordsWritten) {
 }
 
 TEST_F(ScenarioMessages, AnFdbEntryCarriesItsPortInBothHalves) {
-    Scenario sc;
-    std::string error;
-    ASSERT_TRUE(parse_entry(R"("netlink": {"fdb_entry": {"mac": "02:00:00:00:aa:01", "port": 277, "local": true,
-        "ageing": 300}})",
-                            &sc, &error))
-        << error;
+    Scenario sc = entry(R"("netlink": {"fdb_entry": {"mac": "02:00:00:00:aa:01", "port": 277, "local": true,
+        "ageing": 300}})");
     bridge_event be = received(sc.timeline[0].data);
     EXPECT_EQ(uint32_t{MSG_FDB_UPDATE}, be.msg_type);
     ASSERT_EQ(sizeof(fdb_entry), be.data_len);
@@ -78,7 +72,7 @@ TEST_F(ScenarioMessages, AnFdbEntryCarriesItsPortInBothHalves) {
     EXPECT_EQ(277u, fdb_entry_port(e));
     EXPECT_EQ(1, e.is_local);
     EXPECT_EQ(300u, e.ageing_timer);
-    ASSERT_TRUE(parse_entry(R"("netlink": {"fdb_entry": {"mac": "02:00:00:00:aa:01", "port": "ath1"}})", &sc, &error));
+    sc = entry(R"("netlink": {"fdb_entry": {"mac": "02:00:00:00:aa:01", "port": "ath1"}})");
     std::memcpy(&e, received(sc.timeline[0].data).data, sizeof e);
     EXPECT_EQ(21u, fdb_entry_port(e));
     EXPECT_EQ(0, e.is_local);

@@ -1,40 +1,32 @@
-#include <dirent.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
-#include "event/netlink_datagram.h"
 #include "sim/node/netlink_craft.h"
 #include "sim/report.h"
 #include "sim/scenario/scenario.h"
 #include "sim/sim_node.h"
 #include "sim/node/state_dir.h"
-#include "file_text.h"
+#include "files_under.h"
 #include "scenario_text.h"
 #include "sim_fixture.h"
+#include "temp_dir.h"
 
 namespace {
 
 using lynd::Scenario;
 
-const uint8_t* bytes(const std::string& s) { return reinterpret_cast<const uint8_t*>(s.data()); }
 
 TEST(ScenarioParse, DefaultsAndNode) {
-    Scenario sc;
-    std::string error;
-    ASSERT_TRUE(parse(R"({"node": {"uci": {"a.b.c": "x", "a.b.n": 5, "a.b.t": true},
+    Scenario sc = parsed(R"({"node": {"uci": {"a.b.c": "x", "a.b.n": 5, "a.b.t": true},
         "tools": {"iwpriv wifi0 dbdc_enable 0": "", "wpa_cli x": {"output": "OK", "status": 2}},
         "interfaces": [{"name": "ath12", "ifindex": 12, "mac": "02:00:00:00:01:12"}],
         "bridges": [{"name": "br-lan", "active": false, "ports": ["ath12"]}]},
-        "expect": [{"run": "wpa_cli x", "count": 2}]})",
-                      &sc, &error))
-        << error;
+        "expect": [{"run": "wpa_cli x", "count": 2}]})");
     EXPECT_EQ(60, sc.duration_s);
     EXPECT_FALSE(sc.has_config);
     EXPECT_EQ("5", sc.uci["a.b.n"]);
@@ -80,14 +72,10 @@ TEST(ScenarioParse, BadInputIsNamed) {
 
 // A repeated event, or list of events, lands at each round's time and no later than "until".
 TEST(ScenarioParse, RepeatUnrollsOnTheTimeline) {
-    Scenario sc;
-    std::string error;
-    ASSERT_TRUE(parse(R"({"duration": 100, "timeline": [
+    Scenario sc = parsed(R"({"duration": 100, "timeline": [
         {"at": 10, "repeat": {"every": 30}, "ubus": "lynd.debug"},
         {"at": 5, "repeat": {"every": 40, "until": 60},
-         "events": [{"after": 0, "bus": "down"}, {"after": 20, "bus": "up"}]}]})",
-                      &sc, &error))
-        << error;
+         "events": [{"after": 0, "bus": "down"}, {"after": 20, "bus": "up"}]}]})");
     std::vector<std::pair<int64_t, std::string>> got;
     for (const auto& e : sc.timeline)
         got.emplace_back(e.at_ms / 1000, e.name);
@@ -108,6 +96,7 @@ TEST(ScenarioParse, RepeatUnrollsOnTheTimeline) {
     };
     for (const auto& c : bad) {
         Scenario sc2;
+        std::string error;
         EXPECT_FALSE(parse(c.first, &sc2, &error)) << c.first;
         EXPECT_NE(std::string::npos, error.find(c.second)) << c.first << " -> " << error;
     }
@@ -115,13 +104,8 @@ TEST(ScenarioParse, RepeatUnrollsOnTheTimeline) {
 
 // A newcomer reads what a bundled scenario shows before its log scrolls by.
 TEST(BundledScenarios, EachSaysWhatItShows) {
-    DIR* dir = opendir(LYND_SOURCE_DIR "/scenarios");
-    ASSERT_NE(nullptr, dir);
     std::vector<std::string> paths;
-    while (const dirent* d = readdir(dir))
-        if (std::strstr(d->d_name, ".json") != nullptr)
-            paths.push_back(std::string(LYND_SOURCE_DIR) + "/scenarios/" + d->d_name);
-    closedir(dir);
+    files_under(LYND_SOURCE_DIR "/scenarios", {".json"}, &paths);
     EXPECT_GT(paths.size(), 20u);
     for (const auto& path : paths) {
         Scenario sc;
@@ -132,29 +116,22 @@ TEST(BundledScenarios, EachSaysWhatItShows) {
 }
 
 TEST(ScenarioParse, ClientsJoinAndLeaveOnTheTimeline) {
-    Scenario sc;
-    std::string error;
-    ASSERT_TRUE(parse(R"({"duration": 100, "clients": [{"mac": "02:00:00:00:0a:01", "port": "ath1", "mbps": 5}],
+    Scenario sc = parsed(R"({"duration": 100, "clients": [{"mac": "02:00:00:00:0a:01", "port": "ath1", "mbps": 5}],
         "timeline": [{"at": 10, "client_join": {"mac": "02:00:00:00:0a:02", "port": "ath0", "path": "ath02"}},
                      {"at": 20, "client_leave": "02:00:00:00:0a:02"},
-                     {"at": 30, "client_leave": "02:00:00:00:0a:01"}]})",
-                      &sc, &error))
-        << error;
+                     {"at": 30, "client_leave": "02:00:00:00:0a:01"}]})");
     ASSERT_EQ(2u, sc.clients.size());
     EXPECT_EQ(30000, sc.clients[0].leave_ms);
     EXPECT_EQ(10000, sc.clients[1].join_ms);
     EXPECT_EQ(20000, sc.clients[1].leave_ms);
     EXPECT_EQ("ath02", sc.clients[1].path);
+    std::string error;
     EXPECT_FALSE(parse(R"({"timeline": [{"at": 5, "client_leave": "02:00:00:00:0a:09"}]})", &sc, &error));
 }
 
 TEST(ScenarioParse, PathExpectationsNameTheirWantedValue) {
-    Scenario sc;
-    std::string error;
-    ASSERT_TRUE(parse(R"({"duration": 10, "expect": [{"at": 1, "preferred": "ath12"}, {"pool": 3},
-        {"at": 2, "samples": {"ath12": 5}}, {"path_state": {"ath02": "WEAKLINK"}}]})",
-                      &sc, &error))
-        << error;
+    Scenario sc = parsed(R"({"duration": 10, "expect": [{"at": 1, "preferred": "ath12"}, {"pool": 3},
+        {"at": 2, "samples": {"ath12": 5}}, {"path_state": {"ath02": "WEAKLINK"}}]})");
     ASSERT_EQ(4u, sc.expect.size());
     EXPECT_EQ("preferred \"ath12\" at 1 s", lynd::describe(sc.expect[0]));
     EXPECT_EQ("pool 3", lynd::describe(sc.expect[1]));
@@ -162,40 +139,19 @@ TEST(ScenarioParse, PathExpectationsNameTheirWantedValue) {
     EXPECT_EQ("path_state ath02=WEAKLINK", lynd::describe(sc.expect[3]));
 }
 
-TEST(ScenarioParse, NetlinkEntriesBecomeDatagrams) {
-    Scenario sc;
-    std::string error;
-    ASSERT_TRUE(parse(R"({"timeline": [{"at": 1, "netlink": {"type": 11}},
-        {"at": 2, "netlink": {"type": 3, "len": 200, "body_hex": "aabb"}},
-        {"at": 3, "netlink": {"raw_hex": "0102"}}]})",
-                      &sc, &error))
-        << error;
-    ASSERT_EQ(3u, sc.timeline.size());
-    EXPECT_EQ(16u, sc.timeline[0].data.size());
-    EXPECT_EQ(11, nl_first_msg_type(bytes(sc.timeline[0].data), 16));
-    EXPECT_EQ(200u, nl_first_msg_len(bytes(sc.timeline[1].data), 18));
-    EXPECT_EQ("\xaa\xbb", sc.timeline[1].data.substr(16));
-    EXPECT_EQ(std::string("\x01\x02"), sc.timeline[2].data);
-}
-
 TEST(ScenarioParse, TheBridgesOwnDoingsAndTheConfiguredPaths) {
-    Scenario sc;
-    std::string error;
-    ASSERT_TRUE(parse(R"({"config": {"interfaces": {"eth1": {"path": false}, "ath12": {"path": true},
+    Scenario sc = parsed(R"({"config": {"interfaces": {"eth1": {"path": false}, "ath12": {"path": true},
                                                     "ath02": {"path": 1}, "ath1": {}}},
-        "node": {"hc_table": {"own_entry": false, "announce_refills": false}}})",
-                      &sc, &error))
-        << error;
+        "node": {"hc_table": {"own_entry": false, "announce_refills": false}}})");
     EXPECT_FALSE(sc.hc_model.own_entry);
     EXPECT_TRUE(sc.hc_model.refill);
     EXPECT_FALSE(sc.hc_model.announce_refills);
     EXPECT_EQ((std::vector<std::string>{"ath12", "ath02"}), sc.hc_model.paths);
     // The file the daemon reads wins over "config".
-    ASSERT_TRUE(parse(R"({"config": {"interfaces": {"ath12": {"path": true}}},
-        "node": {"files": {"/etc/lynd.json": "{\"interfaces\": {\"eth1\": {\"path\": true}}}"}}})",
-                      &sc, &error))
-        << error;
+    sc = parsed(R"({"config": {"interfaces": {"ath12": {"path": true}}},
+        "node": {"files": {"/etc/lynd.json": "{\"interfaces\": {\"eth1\": {\"path\": true}}}"}}})");
     EXPECT_EQ(std::vector<std::string>{"eth1"}, sc.hc_model.paths);
+    std::string error;
     EXPECT_FALSE(parse(R"({"node": {"hc_table": {"refil": false}}})", &sc, &error));
     EXPECT_NE(std::string::npos, error.find("unknown key \"refil\"")) << error;
     EXPECT_FALSE(parse(R"({"links": {"ath12": {"stalled": 1}}})", &sc, &error));
@@ -223,41 +179,29 @@ TEST(NetlinkCraft, AnAnnouncedEntryIsReadOnlyFromAWholeTypeThreeMessage) {
 // A client the timeline announces is one the bridge holds.
 TEST(SimNodeRun, ATimelineAnnouncementFillsTheTable) {
     const uint8_t mac[6] = {0x02, 0, 0, 0, 0x0b, 0x01}, other[6] = {0x02, 0, 0, 0, 0x0b, 0x02};
-    Scenario sc;
-    std::string error;
-    ASSERT_TRUE(parse(R"({"duration": 20, "config": {"enable": true},
+    Scenario sc = parsed(R"({"duration": 20, "config": {"enable": true},
         "node": {"interfaces": [{"name": "ath12", "ifindex": 12}, {"name": "ath0", "ifindex": 20}],
                  "bridges": [{"name": "br-lan", "ports": ["ath12", "ath0"]}]},
         "timeline": [{"at": 5, "netlink": {"hc_entry": [{"mac": "02:00:00:00:0b:01", "dst": "ath12", "src": "ath0"},
-                                                        {"mac": "02:00:00:00:0b:02", "dst": 20, "src": 12}]}}]})",
-                      &sc, &error))
-        << error;
-    const lynd::Seams saved = lynd::installed_seams();
+                                                        {"mac": "02:00:00:00:0b:02", "dst": 20, "src": 12}]}}]})");
     lynd::SimNode node(sc);
-    node.run("lynd", {});
-    lynd::install_seams(saved);
+    run_kept(node);
     EXPECT_EQ("ath12", node.clients().path_of(mac));
     EXPECT_EQ("ath0", node.clients().path_of(other));
 }
 
 // Expectations must be able to fail, or a scenario proves nothing.
 TEST(SimNodeRun, ExpectationsJudgeWhatHappened) {
-    Scenario sc;
-    std::string error;
-    ASSERT_TRUE(parse(R"({"duration": 30, "args": ["-l", "4"], "config": {"enable": true, "bridges": {"br0": {}}},
+    Scenario sc = parsed(R"({"duration": 30, "args": ["-l", "4"], "config": {"enable": true, "bridges": {"br0": {}}},
         "node": {"bridges": [{"name": "br0", "ports": []}]},
         "timeline": [{"at": 10, "ubus": "lynd.configure", "data": {"mode": "RE"}}],
         "expect": [{"at": 5, "call": "bridgeSetEventInfo br0 4242 3 25", "count": 1},
                    {"at": 15, "call": "bridgeSetEventInfo br0 4242 3 25", "count": 1},
                    {"log_contains": "never said"}, {"log_absent": "init done"},
                    {"file": "/etc/lynd.json", "equals": "{}"}, {"exit": 1},
-                   {"run": "iwpriv wifi0 dbdc_enable 0", "count": 1}]})",
-                      &sc, &error))
-        << error;
-    const lynd::Seams saved = lynd::installed_seams();
+                   {"run": "iwpriv wifi0 dbdc_enable 0", "count": 1}]})");
     lynd::SimNode node(sc);
-    lynd::RunOutcome o = node.run("lynd", {});
-    lynd::install_seams(saved);
+    lynd::RunOutcome o = run_kept(node);
     EXPECT_EQ(0, o.exit_status);
     EXPECT_EQ(30000, o.virtual_ms);
     ASSERT_EQ(7u, o.results.size());
@@ -277,34 +221,25 @@ TEST(StateDir, PathsStayBelowTheDirectory) {
 }
 
 TEST(StateDir, WritesTheNodesFilesAndRefusesAnEscape) {
-    char dir[] = "/tmp/lynd_state_XXXXXX";
-    ASSERT_NE(nullptr, mkdtemp(dir));
+    TempDir dir;
+    const std::string out = dir.path + "/out";
     lynd::SimHost host;
     host.set_file("/tmp/hybr_broadcast_port", "ath02\n");
     std::string error;
-    ASSERT_TRUE(lynd::write_state_dir(host, std::string(dir) + "/out", &error)) << error;
-    std::ifstream in(std::string(dir) + "/out/tmp/hybr_broadcast_port");
-    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    EXPECT_EQ("ath02\n", text);
+    ASSERT_TRUE(lynd::write_state_dir(host, out, &error)) << error;
+    EXPECT_EQ("ath02\n", slurp(out + "/tmp/hybr_broadcast_port"));
 
     host.set_file("/../escape", "x");
-    EXPECT_FALSE(lynd::write_state_dir(host, std::string(dir) + "/out", &error));
+    EXPECT_FALSE(lynd::write_state_dir(host, out, &error));
     EXPECT_NE(std::string::npos, error.find("/../escape")) << error;
-    std::remove((std::string(dir) + "/out/tmp/hybr_broadcast_port").c_str());
-    rmdir((std::string(dir) + "/out/tmp").c_str());
-    rmdir((std::string(dir) + "/out").c_str());
-    rmdir(dir);
+    std::remove((out + "/tmp/hybr_broadcast_port").c_str());
+    rmdir((out + "/tmp").c_str());
+    rmdir(out.c_str());
 }
 
-}  // namespace
-
-namespace {
-
 std::string report_of(const Scenario& sc) {
-    const lynd::Seams saved = lynd::installed_seams();
     lynd::SimNode node(sc);
-    lynd::RunOutcome o = node.run("lynd", {});
-    lynd::install_seams(saved);
+    lynd::RunOutcome o = run_kept(node);
     char* text = nullptr;
     size_t len = 0;
     std::FILE* out = open_memstream(&text, &len);
@@ -320,11 +255,7 @@ std::string report_of(const Scenario& sc) {
 // Process-wide records left over from one run must not steer the next.
 TEST(SimNodeRun, ARunRepeatedInOneProcessGivesTheSameReport) {
     for (const char* name : {"demo", "bus_and_netlink_events", "traffic_separation", "loop_avoidance", "ps_weak_5g"}) {
-        std::ifstream in(std::string(LYND_SOURCE_DIR) + "/scenarios/" + name + ".json");
-        std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-        Scenario sc;
-        std::string error;
-        ASSERT_TRUE(parse(text, &sc, &error)) << name << ": " << error;
+        Scenario sc = bundled(name);
         const std::string first = report_of(sc);
         EXPECT_EQ(first, report_of(sc)) << name;
         EXPECT_NE(std::string::npos, first.find("0 failed")) << first;

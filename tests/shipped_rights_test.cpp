@@ -4,15 +4,14 @@
 // administrator hands it out). ubusd lists ("access": {object: {"methods":
 // [...]}}) and rpcd lists ("read"/"write": {"ubus": {object: [...]}}) are
 // both read.
-#include <dirent.h>
-#include <sys/stat.h>
-
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <json-c/json.h>
+
+#include "files_under.h"
 
 namespace {
 
@@ -70,24 +69,6 @@ void check_tree(json_object* o, std::vector<std::string>* faults, bool in_write 
     }
 }
 
-void json_files_under(const std::string& dir, std::vector<std::string>* out) {
-    DIR* d = opendir(dir.c_str());
-    if (d == nullptr)
-        return;
-    while (dirent* e = readdir(d)) {
-        std::string name = e->d_name;
-        if (name == "." || name == "..")
-            continue;
-        std::string path = dir + "/" + name;
-        struct stat st;
-        if (stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode))
-            json_files_under(path, out);
-        else if (name.size() > 5 && name.compare(name.size() - 5, 5, ".json") == 0)
-            out->push_back(path);
-    }
-    closedir(d);
-}
-
 std::vector<std::string> faults_of(const char* text) {
     std::vector<std::string> faults;
     json_object* root = json_tokener_parse(text);
@@ -120,8 +101,8 @@ TEST(ShippedRights, TheCheckFindsWhatItLooksFor) {
 
 TEST(ShippedRights, NoShippedOrShownFileGrantsTooMuch) {
     std::vector<std::string> files;
-    json_files_under(std::string(LYND_SOURCE_DIR) + "/openwrt", &files);
-    json_files_under(std::string(LYND_SOURCE_DIR) + "/examples", &files);
+    files_under(std::string(LYND_SOURCE_DIR) + "/openwrt", {".json"}, &files);
+    files_under(std::string(LYND_SOURCE_DIR) + "/examples", {".json"}, &files);
     bool example_seen = false;
     for (const std::string& path : files) {
         json_object* root = json_object_from_file(path.c_str());

@@ -12,18 +12,14 @@ namespace {
 using lynd::Scenario;
 
 TEST(ScenarioRadios, LinksStationsCpuAndMesh) {
-    Scenario sc;
-    std::string error;
-    ASSERT_TRUE(parse(R"({"duration": 120,
+    Scenario sc = parsed(R"({"duration": 120,
         "links": {"ath12": {"up": false, "peer": "02:00:00:00:09:12", "txrate": 866, "rssi": -62, "util": 20,
                             "tx_mbps": 8, "stalled": true, "count_keepalive": false}},
         "stations": {"ath1": [{"mac": "02:00:00:00:0a:01", "txrate": 400, "idle": 7}]},
         "node": {"cpu": [{"at": 0, "percent": 10}, {"at": 60, "percent": 90}],
                  "mesh": {"controller": "02:00:00:00:00:aa", "eth_bh_if": "eth1"},
                  "tools": {"ubus -t 2 call map get_bh_eth": "fixed"}},
-        "timeline": [{"at": 30, "link": "ath12", "set": {"up": true, "rssi": -88}}]})",
-                      &sc, &error))
-        << error;
+        "timeline": [{"at": 30, "link": "ath12", "set": {"up": true, "rssi": -88}}]})");
     const lynd::SimLink& l = sc.links["ath12"];
     EXPECT_FALSE(l.up);
     EXPECT_EQ(0x12, l.peer[5]);
@@ -44,14 +40,10 @@ TEST(ScenarioRadios, LinksStationsCpuAndMesh) {
 }
 
 TEST(SimNodeRadios, TimelineChangesALinkAndKeepsItsCounters) {
-    Scenario sc;
-    std::string error;
-    ASSERT_TRUE(parse(R"({"duration": 20, "config": {"enable": true},
+    Scenario sc = parsed(R"({"duration": 20, "config": {"enable": true},
         "links": {"ath12": {"rssi": -60, "rx_mbps": 8}},
         "timeline": [{"at": 10, "link": "ath12", "set": {"rssi": -88, "rx_mbps": 0}},
-                     {"at": 12, "link": "ath22", "set": {"up": false}}]})",
-                      &sc, &error))
-        << error;
+                     {"at": 12, "link": "ath22", "set": {"up": false}}]})");
     lynd::SimNode node(sc);
     node.run("lynd", {});
     const lynd::SimLink* l = node.wlan().link("ath12");

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "file_text.h"
+#include "scenario_text.h"
 #include "replay_child.h"
 #include "sim/desk/replay_run.h"
 #include "sim/scenario/scenario.h"
@@ -30,13 +31,6 @@ size_t slurp_size(const std::string& path) {
 class TraceReplayTest : public ::testing::Test {
 protected:
     void SetUp() override { ASSERT_FALSE(tmp.path.empty()); }
-
-    lynd::Scenario scenario(const char* name) {
-        lynd::Scenario sc;
-        std::string text = slurp(std::string(LYND_SOURCE_DIR) + "/scenarios/" + name + ".json"), error;
-        EXPECT_TRUE(lynd::scenario_parse(text.data(), text.size(), &sc, &error)) << error;
-        return sc;
-    }
 
     // The run's trace as text.
     std::string record(const lynd::Scenario& sc) {
@@ -62,7 +56,8 @@ protected:
 };
 
 TEST_F(TraceReplayTest, ARecordedRunReplaysIdenticallyAndAChangedOutputIsCaught) {
-    std::string text = record(scenario("ps_weak_5g"));
+    std::string text = record(bundled("ps_weak_5g"));
+    ASSERT_NE(std::string::npos, text.find("02:00:00:00:0a:01"));
     lynd::ReplayResult same = replay(text);
     EXPECT_TRUE(same.identical) << same.report;
     EXPECT_EQ(0u, same.report.find("identical: ")) << same.report;
@@ -80,47 +75,8 @@ TEST_F(TraceReplayTest, ARecordedRunReplaysIdenticallyAndAChangedOutputIsCaught)
     EXPECT_NE(std::string::npos, diff.report.find("(trace line " + std::to_string(line) + ")")) << diff.report;
     EXPECT_NE(std::string::npos, diff.report.find("\"n\":99")) << diff.report;
     EXPECT_NE(std::string::npos, diff.report.find("inputs just before:\n    {")) << diff.report;
-}
 
-TEST_F(TraceReplayTest, WhatIfShowsNoDifferenceUnderTheSameConfigAndSomeUnderAnother) {
-    lynd::Scenario sc = scenario("ps_weak_5g");
-    std::string text = record(sc);
-    lynd::ReplayResult same = replay(text, sc.config_text);
-    EXPECT_EQ(0u, same.report.find("decisions that differ (- recorded only, + what-if only): 0\n")) << same.report;
-    EXPECT_NE(std::string::npos, same.report.find("client moves: 2 / 2")) << same.report;
-
-    // A period four times as long decides later: the first moves are gone.
-    std::string slow = sc.config_text;
-    size_t at = slow.find("\"period\":");
-    ASSERT_NE(std::string::npos, at);
-    size_t digits = slow.find("10", at);
-    slow.replace(digits, 2, "40");
-    lynd::ReplayResult other = replay(text, slow);
-    EXPECT_EQ(std::string::npos, other.report.find("differ (- recorded only, + what-if only): 0\n")) << other.report;
-    EXPECT_NE(std::string::npos, other.report.find("  - 70.000 s  move ")) << other.report;
-    EXPECT_NE(std::string::npos, other.report.find("client moves: 2 / 0")) << other.report;
-}
-
-// Path states are told whatever level the router logged at.
-TEST_F(TraceReplayTest, WhatIfSeesPathStatesInATraceAtTheDefaultLogLevel) {
-    lynd::Scenario sc = scenario("ps_weak_5g");
-    sc.args = {};
-    std::string text = record(sc);
-    ASSERT_EQ(std::string::npos, text.find("into to WEAKLINK"));
-    std::string tight = sc.config_text;
-    size_t at = tight.find("\"period\":");
-    ASSERT_NE(std::string::npos, at);
-    tight.replace(tight.find("10", at), 2, "40");
-    lynd::ReplayResult r = replay(text, tight);
-    size_t states = r.report.find("path state changes: ");
-    ASSERT_NE(std::string::npos, states) << r.report;
-    EXPECT_NE(0u, std::strtoul(r.report.c_str() + states + 20, nullptr, 10)) << r.report;
-    EXPECT_NE(std::string::npos, r.report.find(" path ath")) << r.report;
-}
-
-TEST_F(TraceReplayTest, AnAnonymizedTraceHidesEveryClientAndStillReplays) {
-    std::string text = record(scenario("ps_weak_5g"));
-    ASSERT_NE(std::string::npos, text.find("02:00:00:00:0a:01"));
+    // Anonymized, it hides every client and still replays.
     std::string anon, error;
     ASSERT_TRUE(lynd::trace_anonymize(text, &anon, &error)) << error;
     EXPECT_EQ(std::string::npos, anon.find("02:00:00:00:0a:01"));
@@ -129,8 +85,42 @@ TEST_F(TraceReplayTest, AnAnonymizedTraceHidesEveryClientAndStillReplays) {
     EXPECT_TRUE(r.identical) << r.report;
 }
 
+// The configuration with a period four times as long.
+std::string slower(std::string config) {
+    size_t at = config.find("\"period\":");
+    EXPECT_NE(std::string::npos, at);
+    return config.replace(config.find("10", at), 2, "40");
+}
+
+TEST_F(TraceReplayTest, WhatIfShowsNoDifferenceUnderTheSameConfigAndSomeUnderAnother) {
+    lynd::Scenario sc = bundled("ps_weak_5g");
+    std::string text = record(sc);
+    lynd::ReplayResult same = replay(text, sc.config_text);
+    EXPECT_EQ(0u, same.report.find("decisions that differ (- recorded only, + what-if only): 0\n")) << same.report;
+    EXPECT_NE(std::string::npos, same.report.find("client moves: 2 / 2")) << same.report;
+
+    // A period four times as long decides later: the first moves are gone.
+    lynd::ReplayResult other = replay(text, slower(sc.config_text));
+    EXPECT_EQ(std::string::npos, other.report.find("differ (- recorded only, + what-if only): 0\n")) << other.report;
+    EXPECT_NE(std::string::npos, other.report.find("  - 70.000 s  move ")) << other.report;
+    EXPECT_NE(std::string::npos, other.report.find("client moves: 2 / 0")) << other.report;
+}
+
+// Path states are told whatever level the router logged at.
+TEST_F(TraceReplayTest, WhatIfSeesPathStatesInATraceAtTheDefaultLogLevel) {
+    lynd::Scenario sc = bundled("ps_weak_5g");
+    sc.args = {};
+    std::string text = record(sc);
+    ASSERT_EQ(std::string::npos, text.find("into to WEAKLINK"));
+    lynd::ReplayResult r = replay(text, slower(sc.config_text));
+    size_t states = r.report.find("path state changes: ");
+    ASSERT_NE(std::string::npos, states) << r.report;
+    EXPECT_NE(0u, std::strtoul(r.report.c_str() + states + 20, nullptr, 10)) << r.report;
+    EXPECT_NE(std::string::npos, r.report.find(" path ath")) << r.report;
+}
+
 TEST_F(TraceReplayTest, TheConfiguredTraceRotatesAtItsSizeAndItsPartsReplayChained) {
-    lynd::Scenario sc = scenario("ps_weak_5g");
+    lynd::Scenario sc = bundled("ps_weak_5g");
     std::string path = dir + "/trace";
     sc.config_text.insert(sc.config_text.find('{') + 1,
                           "\"record\": \"trace\", \"record_size\": 262144,");
@@ -197,7 +187,7 @@ TEST_F(TraceReplayTest, ATraceManyTimesItsMemoryBoundReplaysWithinIt) {
     if (kSanitized)
         GTEST_SKIP() << "the sanitizer's quarantine holds freed memory";
     std::string small = dir + "/small", big = dir + "/big";
-    std::string text = record(scenario("ps_weak_5g"));
+    std::string text = record(bundled("ps_weak_5g"));
     std::ofstream(small, std::ios::binary) << text;
     write_padded(text, big, kBigTrace);
     ASSERT_GE(slurp_size(big), kBigTrace);

@@ -64,22 +64,6 @@ TEST_F(TrafficSeparationTest, VlansOfThePoliciesBecomeSubInterfacesOfTheTsPorts)
     EXPECT_EQ(0, std::memcmp(first.interfaces, conf.interfaces, sizeof conf.interfaces));
 }
 
-TEST_F(TrafficSeparationTest, SsidsAreDataAndAnUnreadableOneLeavesTheVapOut) {
-    g_lynd_dgb_lvl = 5;
-    for (const char* name : {"ath0", "ath1", "ath2"})
-        add_iface(conf, name, IF_TYPE_5G).ts_vap = true;
-    uci.set("wireless.ath0.ssid", "$(reboot)");
-    uci.set("wireless.ath1.ssid", "\"; rm -rf /;\"");
-    policy(0, "20", "\"; rm -rf /;\"");
-    policy(1, "30", "$(reboot)");
-    traffic_separation_config_load(&conf);
-    EXPECT_TRUE(vid(0) == 30 && vid(1) == 20 && vid(2) == 0);
-    EXPECT_TRUE(host.logged("] ts_vap_interface:ath1, ssid:\"; rm -rf /;\""));
-    EXPECT_TRUE(host.logged("] get ssid faild"));
-    EXPECT_FALSE(host.logged("interface:ath2 ts_vlan_id"));
-    EXPECT_TRUE(host.runs().empty());
-}
-
 // Switched off, only enable goes false: the block keeps what was read (the
 // dump and loop avoidance's primary VLAN rule see it); the VLAN records go.
 TEST_F(TrafficSeparationTest, TurningItOffKeepsTheBlockButDropsTheRecordsBeforeTheModulesHear) {

@@ -1,6 +1,7 @@
 #include <json-c/json.h>
 
 #include <string>
+#include <vector>
 
 #include "event/ubus_decode.h"
 #include "event/ubus_policy.h"
@@ -79,23 +80,20 @@ TEST_F(UbusDecodeTest, ConfigureModesAndSwitches) {
         EXPECT_EQ(m.second, configure(m.first).mode) << m.first;
 }
 
+// Bits 4 to 7 are the four ports; a change from what the hub holds asks
+// for a reconfiguration. An absent attribute: nothing known, nothing changed.
 TEST_F(UbusDecodeTest, LinkStateBitsAndChanges) {
-    link_state_event ls = link_state(R"({"link_state": 48})");
-    EXPECT_EQ(1u, ls.need_reconfig);
-    EXPECT_EQ(1u, ls.eth_state[0]);
-    EXPECT_EQ(1u, ls.eth_state[1]);
-    EXPECT_EQ(0u, ls.eth_state[2]);
-    EXPECT_EQ(0u, ls.eth_state[3]);
-    EXPECT_EQ(0u, link_state(R"({"link_state": 48})").need_reconfig);
-    ls = link_state(R"({"link_state": 1})");
-    EXPECT_EQ(1u, ls.need_reconfig);
-    for (uint32_t s : ls.eth_state)
-        EXPECT_EQ(0u, s);
-    ls = link_state(R"({"link_state": 128})");
-    EXPECT_EQ(1u, ls.eth_state[3]);
-    // Absent attribute: nothing known, nothing changed.
-    ls = link_state(R"({"other": 1})");
-    EXPECT_EQ(0u, ls.need_reconfig);
+    const std::pair<const char*, std::vector<uint32_t>> cases[] = {
+        {R"({"link_state": 48})", {1, 1, 1, 0, 0}}, {R"({"link_state": 48})", {0, 1, 1, 0, 0}},
+        {R"({"link_state": 1})", {1, 0, 0, 0, 0}},  {R"({"link_state": 128})", {1, 0, 0, 0, 1}},
+        {R"({"other": 1})", {0, 0, 0, 0, 0}},
+    };
+    for (const auto& c : cases) {
+        link_state_event ls = link_state(c.first);
+        EXPECT_EQ(c.second, (std::vector<uint32_t>{ls.need_reconfig, ls.eth_state[0], ls.eth_state[1],
+                                                   ls.eth_state[2], ls.eth_state[3]}))
+            << c.first;
+    }
     EXPECT_EQ(1u, hub_[3]);
 }
 
@@ -120,29 +118,24 @@ TEST_F(UbusDecodeTest, FirstAttributeOfTheRightTypeWins) {
 }
 
 TEST_F(UbusDecodeTest, DebugPrecedenceAndClamps) {
-    debug_event d;
-    ASSERT_TRUE(debug(R"({"dbg_level": 9})", &d));
-    EXPECT_EQ(DBG_LEVEL, d.subtype);
-    EXPECT_EQ(6u, d.value);
-    ASSERT_TRUE(debug(R"({"dbg_level": -1})", &d));
-    EXPECT_EQ(6u, d.value);
-    ASSERT_TRUE(debug(R"({"dump": 1, "dbg_level": 3})", &d));
-    EXPECT_EQ(DBG_LEVEL, d.subtype);
-    EXPECT_EQ(3u, d.value);
-    ASSERT_TRUE(debug(R"({"dump": 0, "overload": 7})", &d));
-    EXPECT_EQ(DBG_DUMP, d.subtype);
-    EXPECT_EQ(TRI_OFF, d.value);
-    ASSERT_TRUE(debug(R"({"overload": 7, "brconf": 1})", &d));
-    EXPECT_EQ(DBG_OVERLOAD, d.subtype);
-    EXPECT_EQ(7u, d.value);
+    const struct {
+        const char* text;
+        uint32_t subtype, value;  // the value, or the mode of the two mode requests
+    } cases[] = {
+        {R"({"dbg_level": 9})", DBG_LEVEL, 6},           {R"({"dbg_level": -1})", DBG_LEVEL, 6},
+        {R"({"dump": 1, "dbg_level": 3})", DBG_LEVEL, 3}, {R"({"dump": 0, "overload": 7})", DBG_DUMP, TRI_OFF},
+        {R"({"overload": 7, "brconf": 1})", DBG_OVERLOAD, 7},
+        {R"({"brconf": 257, "pathsel": 1})", DBG_PATHSEL_MODE, 1}, {R"({"brconf": 257})", DBG_BRCONF_MODE, 1},
+    };
     g_lynd_dgb_lvl = 4;
-    ASSERT_TRUE(debug(R"({"brconf": 257, "pathsel": 1})", &d));
-    EXPECT_EQ(DBG_PATHSEL_MODE, d.subtype);
-    EXPECT_EQ(1, d.mode);
+    for (const auto& c : cases) {
+        debug_event d;
+        ASSERT_TRUE(debug(c.text, &d)) << c.text;
+        EXPECT_EQ(c.subtype, d.subtype) << c.text;
+        bool mode = c.subtype == DBG_PATHSEL_MODE || c.subtype == DBG_BRCONF_MODE;
+        EXPECT_EQ(c.value, mode ? static_cast<uint32_t>(d.mode) : d.value) << c.text;
+    }
     EXPECT_TRUE(host.logged("] Set pathsel_mode to 1"));
-    ASSERT_TRUE(debug(R"({"brconf": 257})", &d));
-    EXPECT_EQ(DBG_BRCONF_MODE, d.subtype);
-    EXPECT_EQ(1, d.mode);
 }
 
 TEST_F(UbusDecodeTest, DebugPathInfo) {

@@ -97,16 +97,4 @@ TEST_F(WlanPlatformTest, QcaMacCheckFollowsTheFirstOctetDistance) {
     EXPECT_EQ(0x0e, low[0]);
 }
 
-TEST_F(WlanPlatformTest, QcaInitAndFinitSwitchDualBandWithoutAShell) {
-    wlan_platform_ops = &wlan_platform_qca;
-    host.set_tool("iwpriv wifi0 dbdc_enable 0", "", 0);
-    host.set_tool("iwpriv wifi0 dbdc_enable 1", "", 3);
-    EXPECT_EQ(0, lynd_platform_init());
-    lynd_platform_finit();
-    EXPECT_EQ(3, qca_platform_finit());
-    ASSERT_EQ(3u, host.runs().size());
-    EXPECT_EQ("iwpriv wifi0 dbdc_enable 0", host.runs()[0]);
-    EXPECT_EQ("iwpriv wifi0 dbdc_enable 1", host.runs()[1]);
-}
-
 }  // namespace
