@@ -10,9 +10,10 @@ set(CMAKE_SYSTEM_PROCESSOR ${LYND_CROSS_CPU})
 set(CMAKE_C_COMPILER ${LYND_CROSS_TRIPLET}-gcc)
 set(CMAKE_CXX_COMPILER ${LYND_CROSS_TRIPLET}-g++)
 
-# The compiler brings the C library; everything else comes from the sysroot,
-# never from the host.
-set(CMAKE_FIND_ROOT_PATH ${LYND_CROSS_SYSROOT})
+# The compiler brings the C library; everything else comes from the sysroot
+# and the roots given on the command line (the OpenWrt libraries that
+# tools/build-openwrt-libs built), never from the host.
+list(APPEND CMAKE_FIND_ROOT_PATH ${LYND_CROSS_SYSROOT})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

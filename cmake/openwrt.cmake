@@ -43,9 +43,10 @@ target_link_libraries(lynd_openwrt PUBLIC lynd_daemon ${UBUS_LIBRARY} ${UCI_LIBR
 option(LYND_KREL_STUB "Link lynd with a stand-in for the vendor bridge library (PC only)" OFF)
 find_library(KREL_LIBRARY krel)
 if(LYND_KREL_STUB)
-  add_library(krel_stub STATIC ${CMAKE_SOURCE_DIR}/tools/krel-stub/krel_stub.cpp)
-  lynd_daemon_code(krel_stub)
+  # Shared, as the vendor's is: lynd then carries what the router's does.
+  add_library(krel_stub SHARED ${CMAKE_SOURCE_DIR}/tools/krel-stub/krel_stub.cpp)
   target_include_directories(krel_stub PRIVATE ${CMAKE_SOURCE_DIR}/src)
+  set_target_properties(krel_stub PROPERTIES OUTPUT_NAME krel-stub LINKER_LANGUAGE C)
   set(LYND_KREL krel_stub)
 elseif(KREL_LIBRARY)
   set(LYND_KREL ${KREL_LIBRARY})

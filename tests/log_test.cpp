@@ -56,6 +56,27 @@ TEST_F(LogTest, AMessageIsOneWriteCutToItsMaximum) {
     EXPECT_EQ(LYND_LOG_MSG_MAX, host.console_lines()[1].size());
 }
 
+TEST_F(LogTest, TaggedLineIsCutAt2047CharactersWithItsPrefix) {
+    const std::string big(5000, 'x');
+    struct {
+        const char* fn;
+        const char* message;
+        const char* starts;
+    } cases[] = {
+        {"fn", big.c_str(), "<LYND_ERR>[fn, "},   // the message is cut
+        {big.c_str(), "tail", "<LYND_ERR>[xxx"},  // the prefix alone fills the line
+    };
+    for (const auto& c : cases) {
+        host.clear_console();
+        LYND_ERR_AS(c.fn, "%s", c.message);
+        ASSERT_EQ(1u, host.console_lines().size());
+        const std::string& got = host.console_lines()[0];
+        EXPECT_EQ(LYND_LOG_MSG_MAX, got.size()) << c.starts;
+        EXPECT_EQ(0u, got.find(c.starts));
+        EXPECT_EQ('x', got.back());
+    }
+}
+
 TEST_F(LogTest, FatalPrintsEvenAtLevelZero) {
     g_lynd_dgb_lvl = 0;
     LYND_FATAL("parse config");

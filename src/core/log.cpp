@@ -53,20 +53,98 @@ int lynd_log_priority(const char* line) {
     return LOG_INFO;
 }
 
-void lynd_printf(const char* format, ...) {
-    // The text goes to the sink as it is: nothing here ever reaches a shell.
-    char line[LYND_LOG_MSG_MAX + 2];
-    va_list ap;
-    va_start(ap, format);
-    int n = std::vsnprintf(line, LYND_LOG_MSG_MAX + 1, format, ap);
-    va_end(ap);
-    if (n < 0)
-        return;
-    size_t len = static_cast<size_t>(n) > LYND_LOG_MSG_MAX ? LYND_LOG_MSG_MAX : static_cast<size_t>(n);
+namespace {
+
+// The line in text, cut at LYND_LOG_MSG_MAX characters, to the sink as it is:
+// nothing here ever reaches a shell.
+void emit(char* text, size_t len) {
     if (g_to_syslog) {
-        to_syslog(line, len);
+        to_syslog(text, len);
         return;
     }
-    line[len++] = '\n';
-    lynd::host().console_write(line, len);
+    text[len++] = '\n';
+    lynd::host().console_write(text, len);
+}
+
+size_t cut(int n) { return static_cast<size_t>(n) > LYND_LOG_MSG_MAX ? LYND_LOG_MSG_MAX : static_cast<size_t>(n); }
+
+// As lynd_printf(tag "[%s, %d] " format, fn, line, ...) would print it.
+void log_line(const char* tag, const char* fn, int line, const char* format, va_list ap) {
+    char text[LYND_LOG_MSG_MAX + 2];
+    int head = std::snprintf(text, LYND_LOG_MSG_MAX + 1, "%s[%s, %d] ", tag, fn, line);
+    if (head < 0)
+        return;
+    size_t at = cut(head);
+    int rest = std::vsnprintf(text + at, LYND_LOG_MSG_MAX + 1 - at, format, ap);
+    if (rest < 0)
+        return;
+    emit(text, cut(head + rest));
+}
+
+}  // namespace
+
+void lynd_printf(const char* format, ...) {
+    char text[LYND_LOG_MSG_MAX + 2];
+    va_list ap;
+    va_start(ap, format);
+    int n = std::vsnprintf(text, LYND_LOG_MSG_MAX + 1, format, ap);
+    va_end(ap);
+    if (n >= 0)
+        emit(text, cut(n));
+}
+
+void lynd_log_fatal(const char* fn, int line, const char* format, ...) {
+    va_list ap;
+    va_start(ap, format);
+    log_line("<LYND_FATAL>", fn, line, format, ap);
+    va_end(ap);
+}
+
+void lynd_log_err(const char* fn, int line, const char* format, ...) {
+    va_list ap;
+    va_start(ap, format);
+    log_line("<LYND_ERR>", fn, line, format, ap);
+    va_end(ap);
+}
+
+void lynd_log_warn(const char* fn, int line, const char* format, ...) {
+    va_list ap;
+    va_start(ap, format);
+    log_line("<LYND_WARN>", fn, line, format, ap);
+    va_end(ap);
+}
+
+void lynd_log_decision(const char* fn, int line, const char* format, ...) {
+    va_list ap;
+    va_start(ap, format);
+    log_line("<LYND_DECISION>", fn, line, format, ap);
+    va_end(ap);
+}
+
+void lynd_log_info(const char* fn, int line, const char* format, ...) {
+    va_list ap;
+    va_start(ap, format);
+    log_line("<LYND_INFO>", fn, line, format, ap);
+    va_end(ap);
+}
+
+void lynd_log_log(const char* fn, int line, const char* format, ...) {
+    va_list ap;
+    va_start(ap, format);
+    log_line("<LYND_LOG>", fn, line, format, ap);
+    va_end(ap);
+}
+
+void lynd_log_debug(const char* fn, int line, const char* format, ...) {
+    va_list ap;
+    va_start(ap, format);
+    log_line("<LYND_DEBUG>", fn, line, format, ap);
+    va_end(ap);
+}
+
+void lynd_log_trace(const char* fn, int line, const char* format, ...) {
+    va_list ap;
+    va_start(ap, format);
+    log_line("<LYND_TRACE>", fn, line, format, ap);
+    va_end(ap);
 }
