@@ -66,6 +66,7 @@ TEST_F(FlapGuardTest, MinimumDwellHoldsTheMoveAndListsItOnce) {
     ASSERT_EQ(1, held_decisions());
     const decision* d = decision_at(decision_count() - 1);
     EXPECT_STREQ("flap guard", d->reason);
+    EXPECT_EQ(mac_of(1), d->subject);
     EXPECT_STREQ("ath02", d->from);
     EXPECT_STREQ("ath12", d->to);
     EXPECT_EQ(1u, g_counters.moves_held);
@@ -124,6 +125,15 @@ TEST_F(FlapGuardTest, TheHourlyBudgetHoldsUntilTheOldestMoveIsAnHourOld) {
     loop.advance(30 * kMin);
     steer_to(IF_TYPE_5G);
     EXPECT_TRUE(on(c, IF_TYPE_5G));
+}
+
+// "The longer wait decides; of two equal waits the first rule found is named."
+TEST_F(FlapGuardTest, OfTwoEqualWaitsTheDwellIsNamed) {
+    guard().min_dwell_ms = 60 * kMin;
+    guard().moves_per_hour = 1;
+    moved(IF_TYPE_5G, IF_TYPE_2G);
+    loop.advance(10 * kMin);
+    expect_held(IF_TYPE_5G, IF_TYPE_2G, GUARD_DWELL, 50 * kMin);
 }
 
 TEST_F(FlapGuardTest, WithTheGuardOffNothingIsHeld) {

@@ -1,8 +1,10 @@
 // What path selection shows and how it reacts at once: the snapshot file,
-// the console tables, debug requests.
+// the console tables, debug requests, the emergency choice.
 #include "modules/path_selection/debug_hc.h"
 #include "modules/path_selection/dumps.h"
+#include "modules/path_selection/emergency.h"
 #include "ps_fixture.h"
+#include "wlan/wlan.h"
 
 namespace {
 
@@ -62,9 +64,54 @@ TEST_F(PsViewsTest, DebugRequestsSwitchDumpsOverloadAndPathFigures) {
     path_selection_event_debug_hc(&ev);
     EXPECT_EQ(-70, g_dbg_path_info[IF_TYPE_5G].rssi);
     EXPECT_EQ(1u, host.count_logged("] ath12[2] dbg path info"));
+    EXPECT_EQ(1u, host.count_logged(" dbg path info"));  // none for eth1, not a path
     ev.subtype = 9;
     path_selection_event_debug_hc(&ev);
     EXPECT_TRUE(host.logged("] dbg subtype 9 not implemented yet"));
+}
+
+// "After a link change the preferred port goes to the linked path of
+// highest priority; with nothing linked the table is flushed."
+TEST_F(PsViewsTest, EmergencyPicksTheLinkedPathOfHighestPriority) {
+    g_lynd_dgb_lvl = LYND_LVL_INFO;
+    lynd::SimLink down;
+    down.up = false;
+    wlan.set_link("ath12", lynd::SimLink{});
+    wlan.set_link("ath02", down);
+    hc_client* c = client(1, IF_TYPE_2G);
+    path_selection_event_link_state_hc(&conf);
+    EXPECT_EQ(PATH_UNLINK, hc_paths[IF_TYPE_2G].state);
+    EXPECT_TRUE(host.logged("] Emergently set preferred to ath12"));
+    EXPECT_EQ(12u, bridge.find("br-lan")->preferred);
+    EXPECT_TRUE(on(c, IF_TYPE_5G));
+    EXPECT_EQ(0, lynd_get_link_state_changed());
+    wlan.set_link("ath12", down);
+    path_selection_event_link_state_hc(&conf);
+    EXPECT_EQ(1u, bridge.count_calls("bridgeSetHcPreferred "));
+    EXPECT_EQ(1u, bridge.count_calls("bridgeFlushHCTable br-lan"));
+}
+
+// "A path off the primary VLAN is no emergency choice; a bridge whose hc is
+// off gets no preferred port and no flush."
+TEST_F(PsViewsTest, EmergencySkipsPathsOffThePrimaryVlanAndBridgesWithoutHc) {
+    g_lynd_dgb_lvl = LYND_LVL_INFO;
+    conf.ts.enable = true;
+    conf.ts.primary_vlan = 10;
+    conf.ts.policy_count = 1;
+    conf.ts.vlan_count = 1;
+    add_iface(conf, "ath12", IF_TYPE_5G).ts_vlan_id = 20;
+    add_iface(conf, "ath02", IF_TYPE_2G).ts_vlan_id = 10;
+    wlan.set_link("ath12", lynd::SimLink{});
+    wlan.set_link("ath02", lynd::SimLink{});
+    path_selection_event_link_state_hc(&conf);
+    EXPECT_TRUE(host.logged("] Emergently set preferred to ath02"));
+    EXPECT_FALSE(host.logged("] Emergently set preferred to ath12"));
+    conf.bridges[0].ps_flags = 0;
+    bridge.clear_calls();
+    path_selection_emergency_set_preferred(&conf.bridges[0]);
+    EXPECT_EQ(0u, bridge.count_calls("bridgeSetHcPreferred"));
+    EXPECT_EQ(0u, bridge.count_calls("bridgeFlushHCTable"));
+    EXPECT_EQ(0u, bridge.count_calls("bridgeSetHCTableEntries"));
 }
 
 }  // namespace
