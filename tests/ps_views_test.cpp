@@ -103,15 +103,15 @@ TEST_F(PsViewsTest, EmergencySkipsPathsOffThePrimaryVlanAndBridgesWithoutHc) {
     add_iface(conf, "ath02", IF_TYPE_2G).ts_vlan_id = 10;
     wlan.set_link("ath12", lynd::SimLink{});
     wlan.set_link("ath02", lynd::SimLink{});
-    path_selection_event_link_state_hc(&conf);
-    EXPECT_TRUE(host.logged("] Emergently set preferred to ath02"));
-    EXPECT_FALSE(host.logged("] Emergently set preferred to ath12"));
     conf.bridges[0].ps_flags = 0;
-    bridge.clear_calls();
+    path_selection_event_link_state_hc(&conf);
     path_selection_emergency_set_preferred(&conf.bridges[0]);
     EXPECT_EQ(0u, bridge.count_calls("bridgeSetHcPreferred"));
     EXPECT_EQ(0u, bridge.count_calls("bridgeFlushHCTable"));
-    EXPECT_EQ(0u, bridge.count_calls("bridgeSetHCTableEntries"));
+    conf.bridges[0].ps_flags = PS_FLAG_HC;
+    path_selection_event_link_state_hc(&conf);
+    EXPECT_TRUE(host.logged("] Emergently set preferred to ath02"));
+    EXPECT_FALSE(host.logged("] Emergently set preferred to ath12"));
 }
 
 }  // namespace
