@@ -19,7 +19,8 @@ const uint8_t kMac[] = {0x02, 0x11, 0x22, 0x33, 0x44, 0x55};
 void fill_param(iw_request& r) { r.u.value = QCA_PARAM_CHANNEL_UTIL; }
 
 void fill_wds(iw_request& r) {
-    g_cmd[0] = QCA_CMD_WDS_DELETE;
+    uint32_t cmd = QCA_CMD_WDS_DELETE;  // the driver's fields are in host order
+    std::memcpy(g_cmd, &cmd, sizeof cmd);
     std::memcpy(g_cmd + QCA_WDS_CMD_MAC_OFFSET, kMac, 6);
     r.u.data.pointer = g_cmd;
     r.u.data.length = QCA_WDS_CMD_SIZE;
@@ -32,10 +33,13 @@ void fill_room(iw_request& r) {
 
 // One station: its length, a noise of -95 dBm, its address, idle 3.
 void answer_table(iw_request& r) {
-    const uint8_t head[] = {QCA_STA_RECORD_MIN & 0xff, QCA_STA_RECORD_MIN >> 8, 0, 0, 0xa1, 0xff, 0xff, 0xff};
-    std::memcpy(g_table, head, sizeof head);
+    uint16_t len = QCA_STA_RECORD_MIN;
+    int32_t noise = -95;
+    std::memcpy(g_table + STA_OFF_LEN, &len, sizeof len);
+    std::memcpy(g_table + STA_OFF_NOISE, &noise, sizeof noise);
     std::memcpy(g_table + STA_OFF_MAC, kMac, 6);
-    g_table[STA_OFF_IDLE] = 3;
+    uint16_t idle = 3;
+    std::memcpy(g_table + STA_OFF_IDLE, &idle, sizeof idle);
     r.u.data.length = QCA_STA_RECORD_MIN;
 }
 
